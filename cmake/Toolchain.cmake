@@ -1,0 +1,14 @@
+# Compiler flags shared by every target: warnings, and the sanitizers a preset asks for.
+add_compile_options(-Wall -Wextra -Wpedantic)
+if(TAVREL_WERROR)
+  add_compile_options(-Werror)
+endif()
+
+if(TAVREL_SANITIZE)
+  set(_san_flags -fsanitize=${TAVREL_SANITIZE} -fno-omit-frame-pointer)
+  if(TAVREL_SANITIZE MATCHES "undefined")
+    list(APPEND _san_flags -fsanitize=float-cast-overflow -fno-sanitize-recover=all)
+  endif()
+  add_compile_options(${_san_flags})
+  add_link_options(${_san_flags})
+endif()

@@ -1,0 +1,51 @@
+// Data: the module's own buffer, a std::string of bytes behind IDataRef. Every buffer the
+// module creates is a Data; it is written only before it is handed out, and it is
+// always allocated with new (it deletes itself on its last release).
+// It never reads a file and never reports to the host.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "object/AutoRefPtr.h"
+#include "object/IDataRef.h"
+#include "object/InterfaceImpl.h"
+
+namespace Tavrel {
+
+class Data : public InterfaceImpl<IDataRef> {
+public:
+    Data() = default;
+    // A copy of all bytes of text, NUL bytes included.
+    explicit Data(std::string_view const& text);
+    // A copy of size bytes from bytes; a NUL byte does not end the copy.
+    Data(char const* bytes, unsigned long size);
+
+    unsigned long long Interface_GetSize() const override;
+    void Interface_Assign(char const* bytes, unsigned long long size) override;
+    // offset >= size => 0; count cut to size - offset; otherwise copies count bytes.
+    unsigned long long Interface_Read(char* destination, unsigned long long count,
+                                      unsigned long long offset) const override;
+    // null => false; other size => false; both empty => true; then compares the bytes,
+    // directly when other exposes them, else through Read in blocks of 8192 bytes.
+    // A short read counts as a difference.
+    bool Interface_IsEqual(IDataRef* other) const override;
+    // A new Data with a copy of all bytes; the one reference travels with the pointer.
+    IDataRef* Interface_Clone() const override;
+    // Never null, not even when empty.
+    char const* Interface_GetData() const override;
+
+    // Appends count bytes of source from offset. Does nothing when source is empty or
+    // offset + count runs past its end (no clipping: callers clip first). Bytes that
+    // source does not deliver stay zero.
+    void PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, unsigned long offset);
+    // Appends all of source; does nothing when source is empty.
+    void PushBack(AutoRefPtr<IDataRef> const& source);
+
+    ~Data() override = default;
+
+private:
+    std::string mBytes;
+};
+
+}  // namespace Tavrel
