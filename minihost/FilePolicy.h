@@ -1,0 +1,40 @@
+// FilePolicy: the stand-in host's policy for Binary.MapFile. LoadData opens a path
+// read-only and hands back a FileBuffer over it when it is a regular file; anything else
+// (missing, directory, FIFO, device, socket, unreadable) gives no data. It never blocks
+// on a FIFO and never reads the file itself. Which paths may be opened at all is decided
+// by Allows, which a stricter policy (a sandbox) overrides; this one allows every path.
+#pragma once
+
+#include <atomic>
+
+#include "host/IContext.h"
+#include "host/IPolicy.h"
+#include "object/IDataRef.h"
+#include "object/InterfaceImpl.h"
+
+namespace minihost {
+
+class FilePolicy : public InterfaceImpl<Tavrel::IPolicy> {
+public:
+    FilePolicy() = default;
+
+    // A new FileBuffer (one reference, which the caller adopts) over the regular file at
+    // path, or null:
+    //   null path, or Allows(path) false             => null
+    //   "" / missing / unreadable                     => null
+    //   "/" / a directory, a FIFO, "/dev/null", a socket => null, without blocking
+    //   a regular file, empty or not                  => a buffer of the file's size
+    Tavrel::IDataRef* Interface_LoadData(Tavrel::IContext* context, char const* path) override;
+
+    // How many Interface_LoadData calls this policy received.
+    int loadCalls() const { return mLoadCalls.load(); }
+
+protected:
+    // Whether path (never null) may be opened at all. This policy allows every path.
+    virtual bool Allows(char const* path) const;
+
+private:
+    std::atomic<int> mLoadCalls{0};
+};
+
+}  // namespace minihost
