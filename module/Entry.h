@@ -1,0 +1,25 @@
+// TAVREL_MODULE_ENTRY: declares one script function in one line: the exported entry
+// tavrel_module_<function>, which binds the host's call to the typed function, and the
+// one-byte variable whose load-time initialiser appends the function's raw line to the
+// definition text. The lines are appended in the order in which the entries stand.
+#pragma once
+
+#include "module/Binding.h"
+#include "module/Definition.h"
+
+// Gives a name default visibility; everything else of the module is hidden.
+#define TAVREL_EXPORT __attribute__((visibility("default")))
+
+// definition: the std::string that collects the raw definition text.
+// index:      the number of the one-byte variable (dummy<index>).
+// kind:       "CONST_FUNCTION" or "FUNCTION".
+// scriptName: the name scripts call, as a string literal.
+// function:   the typed function in the global namespace.
+#define TAVREL_MODULE_ENTRY(definition, index, kind, scriptName, function)                   \
+    extern "C" TAVREL_EXPORT unsigned int tavrel_module_##function(                          \
+        int count, Tavrel::IVariant** arguments, Tavrel::IVariant* result,                   \
+        Tavrel::IModuleInfo* info, Tavrel::IContext* context) {                              \
+        return Tavrel::CallEntry(&function, count, arguments, result, info, context);        \
+    }                                                                                        \
+    [[maybe_unused]] static char dummy##index = Tavrel::AppendDefinition(                    \
+        definition, &function, kind, " " scriptName " (", ") : tavrel_module_" #function)

@@ -1,0 +1,24 @@
+// The texts and the one helper through which every operation reports an error to the host.
+#pragma once
+
+#include <string>
+
+#include "host/IContext.h"
+
+namespace Tavrel {
+
+// "Binary": the module name in every report.
+extern std::string const moduleName;
+// "No binary data given!": the reason for an empty buffer reference.
+extern std::string const kReason_NoBinaryDataGiven;
+
+// One report through the context: severity 2, moduleName, error, reason.
+void ReportError(IContext* context, std::string const& error, std::string const& reason);
+
+// The reason for a negative range, numbers as they came in:
+// ("Cannot slice with negative offset or size.", -1, "Size", 5)
+//   => "Cannot slice with negative offset or size. Offset: \"-1\" Size: \"5\""
+std::string NegativeRangeReason(char const* lead, long long offset, char const* sizeName,
+                                long long size);
+
+}  // namespace Tavrel

@@ -1,0 +1,50 @@
+#include <string>
+
+#include "host/ErrorNames.h"
+#include "module/Operations.h"
+#include "module/Reports.h"
+
+using Tavrel::AutoRefPtr;
+using Tavrel::IContext;
+using Tavrel::IDataRef;
+
+namespace {
+
+void ReportNoData(IContext* context) {
+    Tavrel::ReportError(context, Tavrel::TavrelError::InvalidUsage(),
+                        Tavrel::kReason_NoBinaryDataGiven);
+}
+
+}  // namespace
+
+std::string BinaryPartToString(AutoRefPtr<IDataRef> const& data, long long offset, long long size,
+                               IContext* context) {
+    std::string result;
+    if (!data) {
+        ReportNoData(context);
+        return result;
+    }
+    if (offset < 0 || size < 0) {
+        Tavrel::ReportError(context, Tavrel::TavrelError::InvalidArgument(),
+                            Tavrel::NegativeRangeReason("Cannot convert binary part to string.",
+                                                        offset, "Size", size));
+        return result;
+    }
+    // NOTE: a size beyond the signed range turns negative here and reads as "nothing".
+    long long const total = static_cast<long long>(data->GetSize());
+    if (offset >= total || size < 1) {
+        return result;
+    }
+    long long const n = size > total - offset ? total - offset : size;
+    result.resize(static_cast<std::string::size_type>(n));
+    data->Read(result.data(), static_cast<unsigned long>(n), static_cast<unsigned long long>(offset));
+    return result;
+}
+
+std::string BinaryToString(AutoRefPtr<IDataRef> const& data, IContext* context) {
+    if (!data) {
+        ReportNoData(context);
+        return std::string();
+    }
+    return BinaryPartToString(data, 0, static_cast<long long>(data->GetSize()), context);
+}

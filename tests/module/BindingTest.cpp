@@ -1,0 +1,150 @@
+// The binding seen from the host: status words, empty results of failed bindings, and the
+// conversion of script numbers.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "host/IUserDefinedType.h"
+#include "minihost/MemoryBuffer.h"
+#include "object/InterfaceImpl.h"
+#include "tests/module/ModuleHarness.h"
+
+namespace {
+
+using minihost::Variant;
+using moduletest::Call;
+
+class UserObject final : public InterfaceImpl<Tavrel::IUserDefinedType> {
+public:
+    char const* Interface_GetTypeName() const override { return "Test.Object"; }
+};
+
+Variant Buffer(std::string_view bytes) { return Variant::DataRef(moduletest::ModuleBuffer(bytes)); }
+Variant Number(double value) { return Variant::Number(value); }
+Variant Text(std::string_view bytes) { return Variant::String(bytes); }
+Variant NoObject() { return Variant::UserDefined(21, Tavrel::AutoRefPtr<Tavrel::IUserDefinedType>()); }
+Variant WithObject() {
+    return Variant::UserDefined(21, Tavrel::AutoRefPtr<Tavrel::IUserDefinedType>(new UserObject()));
+}
+
+TEST(Binding, StatusWords) {
+    struct Row {
+        char const* name;
+        char const* entry;
+        std::vector<Variant> arguments;
+        std::vector<bool> nulls;
+        unsigned int status;
+    };
+    Row const rows[] = {
+        {"no argument", "BinarySize", {}, {}, 65537},
+        {"null element", "BinarySize", {Number(1)}, {true}, 65538},
+        {"number for a buffer", "BinarySize", {Number(1)}, {}, 65538},
+        {"user-defined without object", "BinarySize", {NoObject()}, {}, 65540},
+        {"user-defined with object", "BinarySize", {WithObject()}, {}, 65538},
+        {"type 200 without object", "BinarySize", {Variant::UserDefined(200, {})}, {}, 65540},
+        {"type 20 is no user-defined type", "BinarySize", {Variant::UserDefined(20, {})}, {}, 65538},
+        {"extra null argument ignored", "BinarySize", {Buffer("ab"), Number(0)}, {false, true}, 0},
+        {"slice: one argument", "BinarySlice", {Buffer("ab")}, {}, 131073},
+        {"slice: string for number", "BinarySlice", {Buffer("ab"), Text("1")}, {}, 131074},
+        {"slice: third never reached", "BinarySlice", {Buffer("ab"), Text("1"), Text("x")}, {}, 131074},
+        {"slice: first wrong, rest missing", "BinarySlice", {Text("x")}, {}, 65538},
+        {"slice: third missing", "BinarySlice", {Buffer("ab"), Number(0)}, {}, 196609},
+        {"append part: fourth wrong", "BinaryAppendPart",
+         {Buffer("a"), Buffer("b"), Number(0), Buffer("c")}, {}, 262146},
+        {"no coercion: number for string", "ToDataRef", {Number(5)}, {}, 65538},
+        {"no coercion: buffer for string", "BinaryMapFile", {Buffer("x")}, {}, 65538},
+        {"string for buffer", "BinaryToString", {Text("x")}, {}, 65538},
+    };
+    for (Row const& row : rows) {
+        auto call = Call(row.entry, row.arguments, row.nulls);
+        EXPECT_EQ(call.status, row.status) << row.name;
+        EXPECT_TRUE(call.reports.empty()) << row.name;
+    }
+}
+
+TEST(Binding, FailedBindingStoresTheEmptyValueOfTheResult) {
+    auto number = Call("BinarySize", {});
+    EXPECT_EQ(number.result.type(), 5u);
+    EXPECT_EQ(number.result.number(), 0.0);
+    auto text = Call("BinaryToString", {Number(1)});
+    EXPECT_EQ(text.result.type(), 9u);
+    EXPECT_EQ(text.result.string(), "");
+    EXPECT_EQ(text.result.assignments(), 1);
+    auto buffer = Call("BinarySlice", {Number(1)});
+    EXPECT_EQ(buffer.result.type(), 13u);
+    EXPECT_EQ(buffer.result.dataPointer(), nullptr);
+    EXPECT_EQ(buffer.result.assignments(), 1);
+}
+
+TEST(Binding, NullResultVariantStillRunsTheOperation) {
+    minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(nullptr));
+    int reports = 0;
+    context.SetErrorHandler([&](minihost::ErrorReport const&) { ++reports; });
+    Variant text = Text("abc");
+    Variant offset = Number(-1);
+    Variant count = Number(1);
+    Tavrel::IVariant* arguments[] = {&text, &offset, &count};
+    auto entry = moduletest::Module().Entry("tavrel_module_ToDataRefPart");
+    EXPECT_EQ(entry(3, arguments, nullptr, moduletest::Module().Info(), &context), 0u);
+    EXPECT_EQ(reports, 1);
+    // A failed binding with a null result stores nothing and does not crash.
+    EXPECT_EQ(entry(0, nullptr, nullptr, moduletest::Module().Info(), &context), 65537u);
+}
+
+TEST(Binding, NumbersAreTruncatedAndPinned) {
+    double const inf = std::numeric_limits<double>::infinity();
+    struct Row {
+        double offset;
+        double count;
+        char const* bytes;   // result of ToDataRef("abcdef", offset, count)
+        char const* reason;  // the report, or "" for none
+    };
+    Row const rows[] = {
+        {2.9, 2.9, "cd", ""},
+        {-0.5, 1, "a", ""},
+        {std::nan(""), 3, "abc", ""},
+        {0, std::nan(""), "", ""},
+        {1, inf, "bcdef", ""},
+        {1, 1e300, "bcdef", ""},
+        {1e19, 1, "", ""},
+        {-2.9, 1, "",
+         "Cannot create DATAREF from string with negative offset or count. Offset: \"-2\" Count: \"1\""},
+        {-inf, -1e300, "",
+         "Cannot create DATAREF from string with negative offset or count. "
+         "Offset: \"-9223372036854775808\" Count: \"-9223372036854775808\""},
+    };
+    for (Row const& row : rows) {
+        auto call = Call("ToDataRefPart", {Text("abcdef"), Number(row.offset), Number(row.count)});
+        std::string const name = std::to_string(row.offset) + ", " + std::to_string(row.count);
+        ASSERT_EQ(call.status, 0u) << name;
+        ASSERT_NE(call.result.dataPointer(), nullptr) << name;
+        EXPECT_EQ(moduletest::BytesOf(call.result.dataPointer()), row.bytes) << name;
+        if (*row.reason == '\0') {
+            EXPECT_TRUE(call.reports.empty()) << name;
+        } else {
+            ASSERT_EQ(call.reports.size(), 1u) << name;
+            EXPECT_EQ(call.reports[0].reason, row.reason) << name;
+        }
+    }
+}
+
+TEST(Binding, ReferencesBalanceOnEveryPath) {
+    long const live = minihost::MemoryBuffer::LiveCount();
+    {
+        Tavrel::AutoRefPtr<Tavrel::IDataRef> host(new minihost::MemoryBuffer("hello"));
+        Variant argument = Variant::DataRef(host);
+        int const before = host->Interface_GetCount();
+        Call("BinarySize", {argument});
+        Call("BinarySlice", {argument, Text("bad")});
+        Call("BinaryAppendPart", {argument, argument, Number(1), Text("bad")});
+        Call("BinaryAppendPart", {argument, argument, Number(1), Number(2)});
+        Call("BinaryCopy", {argument});
+        EXPECT_EQ(host->Interface_GetCount(), before);
+        auto copy = Call("BinaryMapFile", {Text("/nonexistent/file")});
+        EXPECT_EQ(copy.result.dataPointer(), nullptr);
+    }
+    EXPECT_EQ(minihost::MemoryBuffer::LiveCount(), live);
+}
+
+}  // namespace

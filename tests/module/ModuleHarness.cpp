@@ -1,0 +1,66 @@
+#include "tests/module/ModuleHarness.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+
+#include "minihost/FilePolicy.h"
+
+namespace moduletest {
+
+minihost::LoadedModule& Module() {
+    static std::unique_ptr<minihost::LoadedModule> module = [] {
+        std::string error;
+        auto loaded = minihost::LoadedModule::Load(TAVREL_MODULE_PATH, error);
+        if (!loaded) {
+            ADD_FAILURE() << error;
+            std::abort();
+        }
+        return loaded;
+    }();
+    return *module;
+}
+
+CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
+                std::vector<bool> nullArguments) {
+    std::string const entryName = "tavrel_module_" + std::string(name);
+    minihost::EntryFunction const entry = Module().Entry(entryName);
+    EXPECT_NE(entry, nullptr) << entryName;
+    CallResult call;
+    minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new minihost::FilePolicy()));
+    context.SetErrorHandler([&call](minihost::ErrorReport const& report) {
+        call.reports.push_back({report.severity, report.module, report.error, report.reason});
+    });
+    std::vector<Tavrel::IVariant*> pointers;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        bool const isNull = i < nullArguments.size() && nullArguments[i];
+        pointers.push_back(isNull ? nullptr : &arguments[i]);
+    }
+    call.status = entry(static_cast<int>(pointers.size()), pointers.data(), &call.result,
+                        Module().Info(), &context);
+    return call;
+}
+
+Tavrel::AutoRefPtr<Tavrel::IDataRef> ModuleBuffer(std::string_view bytes) {
+    CallResult made = Call("ToDataRef", {minihost::Variant::String(bytes)});
+    return made.result.data();
+}
+
+std::string BytesOf(Tavrel::IDataRef const* data) {
+    std::string bytes(data->GetSize(), '\0');
+    if (!bytes.empty()) {
+        data->Read(bytes.data(), bytes.size(), 0);
+    }
+    return bytes;
+}
+
+Report InvalidUsage(std::string reason) {
+    return {2, "Binary", "Error.Tavrel.InvalidUsage", std::move(reason)};
+}
+
+Report InvalidArgument(std::string reason) {
+    return {2, "Binary", "Error.Tavrel.InvalidArgument", std::move(reason)};
+}
+
+}  // namespace moduletest

@@ -1,0 +1,48 @@
+// Drives the built module the way a host does: dlopen through the minihost loader, then
+// entries called with host variants and a context that records every error report.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "minihost/Context.h"
+#include "minihost/ModuleLoader.h"
+#include "minihost/Variant.h"
+#include "object/AutoRefPtr.h"
+#include "object/IDataRef.h"
+
+namespace moduletest {
+
+struct Report {
+    unsigned severity;
+    std::string module;
+    std::string error;
+    std::string reason;
+    bool operator==(Report const&) const = default;
+};
+
+struct CallResult {
+    unsigned int status = 0;
+    minihost::Variant result;
+    std::vector<Report> reports;
+};
+
+// The module under test, loaded once per test program.
+minihost::LoadedModule& Module();
+
+// Calls entry "tavrel_module_<name>" with arguments; a null entry in nullArguments makes
+// that place a null IVariant*.
+CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
+                std::vector<bool> nullArguments = {});
+
+// Builds a module buffer from bytes through the ToDataRef entry.
+Tavrel::AutoRefPtr<Tavrel::IDataRef> ModuleBuffer(std::string_view bytes);
+
+// All bytes of a buffer, read through its interface.
+std::string BytesOf(Tavrel::IDataRef const* data);
+
+Report InvalidUsage(std::string reason);
+Report InvalidArgument(std::string reason);
+
+}  // namespace moduletest

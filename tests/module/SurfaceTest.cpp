@@ -1,0 +1,149 @@
+// The module's public face: the names it exports, its fixed texts and its definition text.
+#include <dlfcn.h>
+#include <elf.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "minihost/ModuleLoader.h"
+#include "module/ReplaceAllStringsInPlace.h"
+#include "tests/module/ModuleHarness.h"
+
+namespace {
+
+// The names of the defined, non-local symbols in the file's dynamic symbol table.
+std::set<std::string> DynamicSymbols(std::string const& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string const image((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    auto const* header = reinterpret_cast<Elf64_Ehdr const*>(image.data());
+    auto const* sections = reinterpret_cast<Elf64_Shdr const*>(image.data() + header->e_shoff);
+    std::set<std::string> names;
+    for (int i = 0; i < header->e_shnum; ++i) {
+        if (sections[i].sh_type != SHT_DYNSYM) {
+            continue;
+        }
+        char const* strings = image.data() + sections[sections[i].sh_link].sh_offset;
+        auto const* symbols = reinterpret_cast<Elf64_Sym const*>(image.data() + sections[i].sh_offset);
+        std::size_t const count = sections[i].sh_size / sizeof(Elf64_Sym);
+        for (std::size_t s = 0; s < count; ++s) {
+            if (symbols[s].st_shndx != SHN_UNDEF && ELF64_ST_BIND(symbols[s].st_info) != STB_LOCAL) {
+                names.insert(strings + symbols[s].st_name);
+            }
+        }
+    }
+    return names;
+}
+
+TEST(Surface, ExportsExactlyTheTwentyEightNames) {
+    std::set<std::string> expected;
+    for (std::string_view name : minihost::LoadedModule::ExportedNames()) {
+        expected.insert(std::string(name));
+    }
+    ASSERT_EQ(expected.size(), 28u);
+    EXPECT_EQ(DynamicSymbols(TAVREL_MODULE_PATH), expected);
+}
+
+TEST(Surface, ModuleNameFunctionIsHidden) {
+    void* handle = moduletest::Module().Handle();
+    EXPECT_EQ(dlsym(handle, "GetTavrelModuleName"), nullptr);
+    for (std::string_view name : minihost::LoadedModule::ExportedNames()) {
+        EXPECT_NE(dlsym(handle, std::string(name).c_str()), nullptr) << name;
+    }
+}
+
+TEST(Surface, FixedTexts) {
+    struct Row {
+        char const* function;
+        char const* text;
+    };
+    Row const rows[] = {
+        {"GetModuleVersion", "1.5.0.0"},
+        {"GetSupportedPlatforms", "linux,mac,windows"},
+        {"GetState", "stable"},
+        {"GetDownwardsCompatibility", "1.1.0"},
+        {"GetSDKDependency", "[1.20.13.0-]"},
+        {"GetModuleDependencies", ""},
+        {"GetModuleDependenciesOptional", ""},
+        {"GetModuleDependenciesLoadBefore", ""},
+        {"GetAlternativeFunctionDependencies", ""},
+        {"GetAlternativeProcedureDependencies", ""},
+        {"GetOptionalFunctionDependencies", ""},
+        {"GetOptionalProcedureDependencies", ""},
+        {"GetModuleTavrelVersion", "1.20.16.0-19"},
+        {"GetTavrelSDKVersion", "1.20.16.0"},
+    };
+    for (Row const& row : rows) {
+        char const* text = moduletest::Module().Text(row.function);
+        ASSERT_NE(text, nullptr) << row.function;
+        EXPECT_STREQ(text, row.text) << row.function;
+    }
+}
+
+std::string const kFinalDefinition =
+    " CONST_FUNCTION NUMBER Size (DATAREF) : tavrel_module_BinarySize"
+    " CONST_FUNCTION DATAREF Binary.ToDataRef (STRING) : tavrel_module_BinarySetFromString"
+    " CONST_FUNCTION DATAREF ToDataRef (STRING) : tavrel_module_ToDataRef"
+    " CONST_FUNCTION DATAREF ToDataRef (STRING,NUMBER,NUMBER) : tavrel_module_ToDataRefPart"
+    " FUNCTION DATAREF Binary.MapFile (STRING) : tavrel_module_BinaryMapFile"
+    " CONST_FUNCTION DATAREF Binary.Slice (DATAREF,NUMBER,NUMBER) : tavrel_module_BinarySlice"
+    " CONST_FUNCTION DATAREF Binary.Slice (DATAREF,NUMBER) : tavrel_module_BinarySliceRight"
+    " CONST_FUNCTION STRING Binary.PartToString (DATAREF,NUMBER,NUMBER) : "
+    "tavrel_module_BinaryPartToString"
+    " CONST_FUNCTION STRING ToString (DATAREF) : tavrel_module_BinaryToString"
+    " CONST_FUNCTION DATAREF Binary.Copy (DATAREF) : tavrel_module_BinaryCopy"
+    " CONST_FUNCTION DATAREF Binary.Copy (DATAREF,NUMBER,NUMBER) : tavrel_module_BinaryCopyPart"
+    " CONST_FUNCTION DATAREF Binary.Append (DATAREF,DATAREF) : tavrel_module_BinaryAppend"
+    " CONST_FUNCTION DATAREF Binary.Append (DATAREF,DATAREF,NUMBER,NUMBER) : "
+    "tavrel_module_BinaryAppendPart";
+
+std::size_t Occurrences(std::string const& text, std::string const& piece) {
+    std::size_t count = 0;
+    for (auto at = text.find(piece); at != std::string::npos; at = text.find(piece, at + 1)) {
+        ++count;
+    }
+    return count;
+}
+
+TEST(Surface, DefinitionTextIsFinalAndStable) {
+    void* handle = moduletest::Module().Handle();
+    auto* getDefinition = reinterpret_cast<char const* (*)(void*)>(dlsym(handle, "GetModuleDefinition"));
+    ASSERT_NE(getDefinition, nullptr);
+    char const* first = getDefinition(nullptr);
+    std::string const text = first;
+    EXPECT_EQ(text.size(), 1069u);
+    EXPECT_EQ(text, kFinalDefinition);
+    for (char const* absent : {",)", ",,", "(,", "( ,"}) {
+        EXPECT_EQ(text.find(absent), std::string::npos) << absent;
+    }
+    EXPECT_EQ(Occurrences(text, " : "), 13u);
+    EXPECT_EQ(Occurrences(text, " CONST_FUNCTION "), 12u);
+    int ignored = 0;
+    EXPECT_EQ(getDefinition(&ignored), first);
+    EXPECT_EQ(std::string(getDefinition(nullptr)), text);
+}
+
+TEST(Surface, ReplaceAllStringsInPlace) {
+    struct Row {
+        std::string text, from, to, expected;
+    };
+    Row const rows[] = {
+        {"a,,,b", ",,", ",", "a,,b"},
+        {"x(,y", "(,", "( ", "x( y"},
+        {"aaa", "a", "aa", "aaaaaa"},
+        {"abc", "", "x", "abc"},
+        {"", "a", "b", ""},
+        {"a,)b,)", ",)", ")", "a)b)"},
+    };
+    for (Row const& row : rows) {
+        std::string text = row.text;
+        Tavrel::ReplaceAllStringsInPlace(text, row.from, row.to);
+        EXPECT_EQ(text, row.expected) << row.text << " / " << row.from << " -> " << row.to;
+    }
+}
+
+}  // namespace
