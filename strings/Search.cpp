@@ -1,0 +1,186 @@
+#include "strings/Search.h"
+
+#include <cctype>
+#include <cstddef>
+#include <cstring>
+
+#if defined(__SSE2__) && !defined(TAVREL_STRINGS_NO_SIMD)
+#include <emmintrin.h>
+#define TAVREL_SEARCH_SSE2 1
+#endif
+
+namespace Tavrel {
+
+namespace {
+
+// Below this many candidate bytes, folding each byte through tolower directly is cheaper than
+// building a 256-byte table (which costs 256 tolower calls).
+constexpr std::size_t kFoldTableMinRange = 256;
+
+// NOTE: the fold compares tolower of each byte. The byte is passed as an unsigned char value,
+// which is always a valid argument, instead of as a sign-extended char, which is undefined
+// behaviour for negative values other than EOF. Only equality of the folded values matters,
+// and the C library's tables for -128..-1 mirror those for 128..255, so both forms make the
+// same bytes match in the C locale and in single-byte locales.
+int FoldByte(char c) { return std::tolower(static_cast<unsigned char>(c)); }
+
+// The folded value of every byte under the current locale, built once per search.
+struct FoldTable {
+    unsigned char folded[256];
+
+    FoldTable() {
+        for (int b = 0; b < 256; ++b) {
+            folded[b] = static_cast<unsigned char>(std::tolower(b));
+        }
+    }
+    unsigned char operator()(char c) const { return folded[static_cast<unsigned char>(c)]; }
+};
+
+// Whether the needle matches at at, byte by byte under fold.
+template <class Fold>
+bool MatchesAt(char const* at, std::string_view const& needle, Fold const& fold) {
+    for (std::size_t k = 0; k < needle.size(); ++k) {
+        if (fold(at[k]) != fold(needle[k])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// Tries every start from begin to lastStart (inclusive) in order: the plain procedure.
+template <class Fold>
+unsigned long ScanEachStart(std::string_view const& text, std::size_t begin,
+                            std::size_t lastStart, std::string_view const& needle,
+                            Fold const& fold) {
+    auto const head = fold(needle[0]);
+    for (std::size_t p = begin; p <= lastStart; ++p) {
+        if (fold(text[p]) == head && MatchesAt(text.data() + p, needle, fold)) {
+            return p;
+        }
+    }
+    return npos;
+}
+
+#ifdef TAVREL_SEARCH_SSE2
+
+// The bytes that fold onto the same value as c, if there are at most two of them.
+struct FoldVariants {
+    bool fits = false;
+    unsigned char bytes[2] = {0, 0};
+};
+
+FoldVariants VariantsOf(FoldTable const& fold, char c) {
+    FoldVariants variants;
+    unsigned char const target = fold(c);
+    int count = 0;
+    for (int b = 0; b < 256; ++b) {
+        if (fold.folded[b] != target) {
+            continue;
+        }
+        if (count == 2) {
+            return variants;
+        }
+        variants.bytes[count++] = static_cast<unsigned char>(b);
+    }
+    if (count == 1) {
+        variants.bytes[1] = variants.bytes[0];
+    }
+    variants.fits = true;
+    return variants;
+}
+
+// Lanes of the 16 bytes at at that equal either variant.
+__m128i EqualsEither(char const* at, __m128i first, __m128i second) {
+    __m128i const block = _mm_loadu_si128(reinterpret_cast<__m128i const*>(at));
+    return _mm_or_si128(_mm_cmpeq_epi8(block, first), _mm_cmpeq_epi8(block, second));
+}
+
+// Filters 16 starts at a time on the needle's first and last byte (both variants of each),
+// then verifies the candidates in order with the table. Starts too near the end for a full
+// block are tried one by one.
+unsigned long ScanWithSse2(std::string_view const& text, std::size_t begin,
+                           std::size_t lastStart, std::string_view const& needle,
+                           FoldTable const& fold, FoldVariants const& head,
+                           FoldVariants const& tail) {
+    auto const lane = [](unsigned char b) { return _mm_set1_epi8(static_cast<char>(b)); };
+    __m128i const head0 = lane(head.bytes[0]), head1 = lane(head.bytes[1]);
+    __m128i const tail0 = lane(tail.bytes[0]), tail1 = lane(tail.bytes[1]);
+    std::size_t const tailOffset = needle.size() - 1;
+    std::size_t p = begin;
+    for (; p <= lastStart && lastStart - p >= 15; p += 16) {
+        char const* at = text.data() + p;
+        __m128i const hits = _mm_and_si128(EqualsEither(at, head0, head1),
+                                           EqualsEither(at + tailOffset, tail0, tail1));
+        for (unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(hits)); mask != 0;
+             mask &= mask - 1) {
+            std::size_t const start = p + static_cast<std::size_t>(__builtin_ctz(mask));
+            if (MatchesAt(text.data() + start, needle, fold)) {
+                return start;
+            }
+        }
+    }
+    return p <= lastStart ? ScanEachStart(text, p, lastStart, needle, fold) : npos;
+}
+
+#endif
+
+// Searches the starts begin..lastStart with a table; the needle's first and last bytes
+// filter candidates in blocks when at most two bytes fold onto each of them.
+unsigned long ScanWithTable(std::string_view const& text, std::size_t begin,
+                            std::size_t lastStart, std::string_view const& needle) {
+    FoldTable const fold;
+#ifdef TAVREL_SEARCH_SSE2
+    FoldVariants const head = VariantsOf(fold, needle.front());
+    FoldVariants const tail = VariantsOf(fold, needle.back());
+    if (head.fits && tail.fits) {
+        return ScanWithSse2(text, begin, lastStart, needle, fold, head, tail);
+    }
+#endif
+    return ScanEachStart(text, begin, lastStart, needle, fold);
+}
+
+// The end (exclusive) of the range whose last index is last: last = size - 1 and last = size
+// both reach the end of text.
+std::size_t RangeEnd(std::size_t size, unsigned long last) {
+    return last < size - 1 ? last + 1 : size;
+}
+
+}  // namespace
+
+char const* StrnStr(char const* text, unsigned long size, char const* needle) {
+    if (text == nullptr || size == 0 || needle == nullptr) {
+        return nullptr;
+    }
+    std::string_view const haystack(text, size);
+    std::size_t const at = haystack.find(needle);
+    return at == std::string_view::npos ? nullptr : text + at;
+}
+
+unsigned long FindCaseInsensitive(std::string_view const& text, unsigned long first,
+                                  unsigned long last, std::string_view const& needle) {
+    std::size_t const size = text.size();
+    if (needle.empty() || size == 0 || first > last || first > size || last > size) {
+        return npos;
+    }
+    std::size_t const end = RangeEnd(size, last);
+    if (end - first < needle.size()) {
+        return npos;
+    }
+    std::size_t const lastStart = end - needle.size();
+    if (end - first < kFoldTableMinRange) {
+        return ScanEachStart(text, first, lastStart, needle, FoldByte);
+    }
+    return ScanWithTable(text, first, lastStart, needle);
+}
+
+unsigned long FindCaseInsensitive(std::string_view const& text, unsigned long first,
+                                  std::string_view const& needle) {
+    unsigned long const last = text.empty() ? 0 : text.size() - 1;
+    return FindCaseInsensitive(text, first, last, needle);
+}
+
+unsigned long FindCaseInsensitive(std::string_view const& text, std::string_view const& needle) {
+    return FindCaseInsensitive(text, 0, needle);
+}
+
+}  // namespace Tavrel

@@ -1,0 +1,108 @@
+#include "strings/Search.h"
+
+#include <gtest/gtest.h>
+
+#include <cctype>
+#include <string>
+
+#include "tests/strings/RandomText.h"
+
+namespace Tavrel {
+namespace {
+
+using namespace std::string_view_literals;
+
+TEST(StrnStr, Table) {
+    struct Row {
+        std::string_view text;
+        unsigned long size;
+        char const* needle;
+        long expected;  // index of the match, -1 for null
+    };
+    Row const rows[] = {
+        {"abcabc", 6, "ca", 2},   {"abcabc", 4, "ca", 2},   {"abcabc", 3, "ca", -1},
+        {"aab", 3, "ab", 1},      {"abc", 3, "", 0},        {"abc", 0, "", -1},
+        {"abc", 3, "abcd", -1},   {"a\0bc"sv, 4, "bc", 2},  {"abc", 3, nullptr, -1},
+        {"xyz", 3, "z", 2},
+    };
+    for (Row const& row : rows) {
+        char const* found = StrnStr(row.text.data(), row.size, row.needle);
+        long const at = found == nullptr ? -1 : found - row.text.data();
+        EXPECT_EQ(at, row.expected) << "row " << row.text << " " << row.size;
+    }
+    EXPECT_EQ(StrnStr(nullptr, 3, "a"), nullptr);
+}
+
+TEST(FindCaseInsensitive, HelloWorldRanges) {
+    struct Row {
+        unsigned long first, last;
+        std::string_view needle;
+        unsigned long expected;
+    };
+    Row const rows[] = {
+        {0, 10, "WORLD", 6}, {0, 9, "WORLD", npos}, {6, 10, "world", 6}, {7, 10, "world", npos},
+        {0, 11, "world", 6}, {0, 12, "world", npos}, {4, 3, "o", npos},   {4, 4, "O", 4},
+        {5, 7, "o", 7},      {10, 10, "D", 10},      {11, 11, "d", npos}, {0, 10, "", npos},
+        {npos, npos, "d", npos},
+    };
+    std::string_view const text = "Hello World";
+    for (Row const& row : rows) {
+        EXPECT_EQ(FindCaseInsensitive(text, row.first, row.last, row.needle), row.expected)
+            << "row " << row.first << ".." << row.last << " " << row.needle;
+    }
+    EXPECT_EQ(FindCaseInsensitive(text, 5, "O"), 7u);
+    EXPECT_EQ(FindCaseInsensitive(text, 11, "d"), npos);
+    EXPECT_EQ(FindCaseInsensitive(text, "LL"), 2u);
+    EXPECT_EQ(FindCaseInsensitive("", 0, 0, "a"), npos);
+    EXPECT_EQ(FindCaseInsensitive("", ""), npos);
+    EXPECT_EQ(FindCaseInsensitive("a\0B"sv, "\0b"sv), 1u);
+    EXPECT_EQ(FindCaseInsensitive("\xC3\xA9", "\xC3\x89"), npos);  // no fold above 0x7F
+}
+
+// The search as the plain procedure: every start in the range, every byte through tolower.
+unsigned long NaiveFind(std::string_view text, unsigned long first, unsigned long last,
+                        std::string_view needle) {
+    std::size_t const size = text.size();
+    if (needle.empty() || size == 0 || first > last || first > size || last > size) {
+        return npos;
+    }
+    std::size_t const end = last < size - 1 ? last + 1 : size;
+    auto const fold = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
+    for (std::size_t p = first; p + needle.size() <= end; ++p) {
+        std::size_t k = 0;
+        while (k < needle.size() && fold(text[p + k]) == fold(needle[k])) {
+            ++k;
+        }
+        if (k == needle.size()) {
+            return p;
+        }
+    }
+    return npos;
+}
+
+TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
+    Testing::RandomText random(7);
+    std::string_view const alphabet = "aAbB\0\xC3\xE9-"sv;
+    for (int round = 0; round < 3000; ++round) {
+        // Long texts take the table and block paths, short ones the direct fold.
+        std::string const text = random.From(alphabet, round % 3 == 0 ? 1200 : 40);
+        std::string const needle = random.From(alphabet, 1 + round % 5);
+        unsigned long const first = random.Below(text.size() + 2);
+        unsigned long const last = round % 4 == 0 ? text.size() : random.Below(text.size() + 2);
+        ASSERT_EQ(FindCaseInsensitive(text, first, last, needle),
+                  NaiveFind(text, first, last, needle))
+            << "round " << round << " needle " << needle << " " << first << ".." << last;
+    }
+}
+
+TEST(FindCaseInsensitive, FindsNeedleAtEveryEndOfLongText) {
+    for (std::size_t size = 256; size < 300; ++size) {
+        std::string text(size, 'x');
+        text.replace(size - 3, 3, "AbC");
+        EXPECT_EQ(FindCaseInsensitive(text, "abc"), size - 3) << "size " << size;
+        EXPECT_EQ(FindCaseInsensitive(text, 0, size - 2, "abc"), npos) << "size " << size;
+    }
+}
+
+}  // namespace
+}  // namespace Tavrel

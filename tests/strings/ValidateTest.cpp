@@ -1,0 +1,173 @@
+#include "strings/Validate.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/strings/RandomText.h"
+
+namespace Tavrel {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr unsigned long kUntouched = 999999;
+
+TEST(ValidUTF8, Table) {
+    struct Row {
+        std::string bytes;
+        std::string message;  // empty: the text passes
+        unsigned long position;
+    };
+    auto const fail = [](int sign, int line) {
+        return "Sign: " + std::to_string(sign) + " in column: " + std::to_string(line) +
+               " is not utf-8 conform.";
+    };
+    Row const rows[] = {
+        {"", "", 0}, {"\xC3\xA9", "", 0}, {"\xE2\x82\xAC", "", 0}, {"\xF0\x9F\x98\x80", "", 0},
+        {"\xC0\xAF", "", 0}, {"\xED\xA0\x80", "", 0}, {"\xF4\x90\x80\x80", "", 0},
+        {"\xF7\xBF\xBF\xBF", "", 0}, {"a\0b"s, "", 0},
+        {"\x80", fail(1, 1), 0},
+        {"\xF8\x88\x80\x80\x80", fail(1, 1), 0},
+        {"ab\xFF" "cd", fail(3, 1), 2},
+        {"a\nb\x80", fail(2, 2), 3},
+        {"ab\xC3", fail(5, 1), 3},
+        {"x\xC3(y", fail(4, 1), 2},
+        {"\xE2", fail(4, 1), 2},
+        {"\xE2\x82", fail(4, 1), 2},
+        {"\xE2\x82x", fail(4, 1), 2},
+        {"\xF0\x9F\x98", fail(5, 1), 3},
+        {"\n\n\xC3x", fail(3, 3), 3},
+        {"ab\xC3\xA9\xFF", fail(5, 1), 4},
+        {"\xC3\n", fail(3, 1), 1},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(testing::Message() << "row " << testing::PrintToString(row.bytes));
+        std::string message = "before";
+        unsigned long position = kUntouched;
+        bool const valid = row.message.empty();
+        EXPECT_EQ(ValidUTF8(row.bytes, message, &position), valid);
+        EXPECT_EQ(message, valid ? "before" : row.message);
+        EXPECT_EQ(position, valid ? kUntouched : row.position);
+        message.clear();
+        EXPECT_EQ(ValidUTF8(row.bytes, message, nullptr), valid);
+        EXPECT_EQ(message, valid ? "" : row.message);
+    }
+}
+
+TEST(ValidASCII, Tables) {
+    struct Row {
+        std::string bytes;
+        unsigned long ascii, printable;  // failing index, or kUntouched for a pass
+    };
+    Row const rows[] = {
+        {"", kUntouched, kUntouched},          {"\0\n\x7F"s, kUntouched, 0},
+        {" ~", kUntouched, kUntouched},        {"ab\x80", 2, 2},
+        {"a\tb", kUntouched, 1},               {"\x1F", kUntouched, 0},
+        {"ok\x7F", kUntouched, 2},             {"\xFF", 0, 0},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(testing::Message() << "row " << testing::PrintToString(row.bytes));
+        unsigned long position = kUntouched;
+        EXPECT_EQ(ValidASCII(row.bytes, &position), row.ascii == kUntouched);
+        EXPECT_EQ(position, row.ascii);
+        position = kUntouched;
+        EXPECT_EQ(ValidPrintableASCII(row.bytes, &position), row.printable == kUntouched);
+        EXPECT_EQ(position, row.printable);
+        EXPECT_EQ(ValidPrintableASCII(row.bytes, nullptr), row.printable == kUntouched);
+    }
+}
+
+// The walk exactly as described: count of the line, line number, one sequence at a time.
+bool ReferenceUTF8(std::string_view text, std::string& message, unsigned long& position) {
+    unsigned long line = 1, count = 0;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        unsigned char const b = static_cast<unsigned char>(text[i]);
+        std::size_t const length = b < 0x80   ? 1
+                                   : b < 0xC0 ? 0
+                                   : b < 0xE0 ? 2
+                                   : b < 0xF0 ? 3
+                                   : b < 0xF8 ? 4
+                                              : 0;
+        bool failed = length == 0;
+        if (length == 1) {
+            ++count;
+            if (b == '\n') {
+                ++line;
+                count = 0;
+            }
+        } else if (length > 1) {
+            std::size_t const lead = i;
+            i += length - 1;
+            count += length;
+            failed = i >= text.size();
+            for (std::size_t k = lead + 1; !failed && k <= i; ++k) {
+                failed = (static_cast<unsigned char>(text[k]) & 0xC0) != 0x80;
+            }
+        }
+        if (failed) {
+            message = "Sign: " + std::to_string(count + 1) + " in column: " +
+                      std::to_string(line) + " is not utf-8 conform.";
+            position = i;
+            return false;
+        }
+    }
+    return true;
+}
+
+// Long runs of ASCII with line feeds, cut by a byte or sequence near a 16- or 64-byte
+// boundary, and shorter texts of mixed sequences.
+std::string TrickyText(Testing::RandomText& random, int round) {
+    std::string_view const pieces[] = {"a", "\n", "\xC3\xA9", "\xE2\x82\xAC", "\xF0\x9F\x98\x80",
+                                       "\x80", "\xC3", "\xF8", "\x7F", "\t", "\xE2\x82"};
+    std::string text;
+    if (round % 2 == 0) {
+        std::size_t const run = 64 * random.Below(4) + 16 * random.Below(4) + random.Below(16);
+        text.assign(run, 'x');
+        for (std::size_t i = 0; i < run; i += 1 + random.Below(90)) {
+            text[i] = '\n';
+        }
+    }
+    std::size_t const count = random.Below(round % 2 == 0 ? 3 : 80);
+    for (std::size_t k = 0; k < count; ++k) {
+        // Mostly valid pieces, so that a fault is often far into the text.
+        std::size_t const choice = random.Below(80);
+        text += pieces[choice < 78 ? choice % 5 : 5 + random.Below(6)];
+    }
+    return text;
+}
+
+TEST(Validate, AgreesWithReference) {
+    Testing::RandomText random(3);
+    for (int round = 0; round < 20000; ++round) {
+        std::string const text = TrickyText(random, round);
+        SCOPED_TRACE(testing::Message() << "round " << round << " "
+                                        << testing::PrintToString(text));
+        std::string message, expectedMessage;
+        unsigned long position = kUntouched, expectedPosition = kUntouched;
+        bool const expected = ReferenceUTF8(text, expectedMessage, expectedPosition);
+        ASSERT_EQ(ValidUTF8(text, message, &position), expected);
+        ASSERT_EQ(message, expectedMessage);
+        ASSERT_EQ(position, expectedPosition);
+
+        auto const firstFailure = [&](auto passes) {
+            std::size_t i = 0;
+            while (i < text.size() && passes(static_cast<unsigned char>(text[i]))) {
+                ++i;
+            }
+            return i == text.size() ? kUntouched : i;
+        };
+        unsigned long const ascii = firstFailure([](unsigned b) { return b < 0x80; });
+        unsigned long const printable =
+            firstFailure([](unsigned b) { return b >= 0x20 && b <= 0x7E; });
+        position = kUntouched;
+        ASSERT_EQ(ValidASCII(text, &position), ascii == kUntouched);
+        ASSERT_EQ(position, ascii);
+        position = kUntouched;
+        ASSERT_EQ(ValidPrintableASCII(text, &position), printable == kUntouched);
+        ASSERT_EQ(position, printable);
+    }
+}
+
+}  // namespace
+}  // namespace Tavrel
