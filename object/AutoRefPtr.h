@@ -45,11 +45,11 @@ public:
 
     // Shares other's object after releasing what this held.
     AutoRefPtr& operator=(AutoRefPtr const& other) {
-        if (other.mPtr != nullptr) {
-            other.mPtr->AddRef();
+        if (this != &other) {
+            other.AddRefImpl();
+            ReleaseImpl();
+            mPtr = other.mPtr;
         }
-        ReleaseImpl();
-        mPtr = other.mPtr;
         return *this;
     }
 
