@@ -251,8 +251,7 @@ public:
     // when ignoreEndSeps is set, and after folding a-z to A-Z when caseSensitive is false.
     // Defaults: ignoreEndSeps = false, caseSensitive = true.
     //   "a\b" == "a/b";  "a/b" vs "a/b/" => only with ignoreEndSeps;  "" vs "/" => likewise
-    bool IsEqual(FSPath const& other, bool ignoreEndSeps = false,
-                 bool caseSensitive = true) const;
+    bool IsEqual(FSPath const& other, bool ignoreEndSeps = false, bool caseSensitive = true) const;
     // The same with a path built from text.
     bool IsEqual(std::string_view const& other, bool ignoreEndSeps = false,
                  bool caseSensitive = true) const;
