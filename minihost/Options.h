@@ -1,0 +1,45 @@
+// Options: minihost's command line, read into a plain structure, and the help text that
+// describes every option. It checks only the form of the command line; whether a file or a
+// directory exists is found out later by those who use it.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace minihost {
+
+enum class Mode {
+    kScript,       // run the script file `script`
+    kEval,         // run the statements given with -e
+    kStandardIn,   // no script: a prompt on a terminal, else the script read from standard input
+    kDescribe,     // --describe
+    kHelp,         // --help
+};
+
+struct Options {
+    Mode mode = Mode::kStandardIn;
+    std::string script;             // kScript: the file; kEval: the statements
+    std::string module;             // --module; "" => the module next to the program
+    bool strict = false;            // --strict
+    bool allowAll = false;          // --allow-all
+    std::vector<std::string> allow; // each --allow, in order
+};
+
+// Reads argv[1..argc-1]; false with error set on a malformed command line. An option's value
+// may follow as the next argument or after '=' ("--module=x"); "--" ends the options.
+//   {}                            => kStandardIn
+//   {"t.tvl"}                     => kScript "t.tvl"
+//   {"-e", "print 1"}             => kEval "print 1"
+//   {"--describe", "--module", "m.so"} => kDescribe, module "m.so"
+//   {"--", "-x.tvl"}              => kScript "-x.tvl"
+//   {"--bogus"}                   => false, "unknown option '--bogus'"
+//   {"--module"}                  => false, "option '--module' needs a value"
+//   {"a.tvl", "b.tvl"}            => false, "more than one script: 'b.tvl'"
+//   {"-e", "x", "a.tvl"}          => false, "more than one script: 'a.tvl'"
+//   {"--strict=1"}                => false, "option '--strict' takes no value"
+bool ParseOptions(int argc, char const* const* argv, Options& options, std::string& error);
+
+// The help text, every option with what it does, ending in a line end.
+std::string HelpText();
+
+}  // namespace minihost
