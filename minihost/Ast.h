@@ -28,7 +28,7 @@ struct VariableRef {
 };
 
 struct Call {
-    std::string name;  // a script name such as "Binary.Slice", or an entry name when direct
+    std::string name;     // a script name such as "Binary.Slice", or an entry name when direct
     bool direct = false;  // written `call <entry>(...)`
     std::vector<Expression> arguments;
 };

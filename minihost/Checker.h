@@ -20,7 +20,8 @@ namespace minihost {
 //   "x = x"                   => "unknown variable 'x'" (the value is checked first)
 //   "print Size()"            => "no form of 'Size' takes 0 arguments; there is:\n  Size (DATAREF)"
 //   "print Sise(d)"           => "unknown function 'Sise'; the module offers:\n  Size (DATAREF)"
-//   "call nope(d)"            => "unknown entry 'nope'; the entries are:\n  tavrel_module_BinarySize"
+//   "call nope(d)"            => "unknown entry 'nope'; the entries are:\n
+//   tavrel_module_BinarySize"
 // Accepted: "x = Size(d)\nprint x";  "call tavrel_module_BinarySize()" (any count).
 void CheckProgram(Program const& program, FunctionTable const& table,
                   std::set<std::string> const& known);

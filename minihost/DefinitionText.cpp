@@ -112,8 +112,7 @@ bool ReadSignature(Reader& reader, Signature& signature, std::string& error) {
     if (!RequireWord(reader, "a result word", signature.result, error) ||
         !RequireTypeWord(signature.result, resultOffset, error) ||
         !RequireWord(reader, "a script name", signature.name, error) ||
-        !ReadParameters(reader, signature.parameters, error) ||
-        !RequireChar(reader, ':', error)) {
+        !ReadParameters(reader, signature.parameters, error) || !RequireChar(reader, ':', error)) {
         return false;
     }
     return RequireWord(reader, "an entry name", signature.entry, error);
@@ -145,10 +144,14 @@ std::string FormatSignature(Signature const& signature) {
 
 std::string_view TypeWord(unsigned int typeNumber) {
     switch (typeNumber) {
-        case Tavrel::VariantType::kNumber: return "NUMBER";
-        case Tavrel::VariantType::kString: return "STRING";
-        case Tavrel::VariantType::kDataRef: return "DATAREF";
-        default: return "";
+        case Tavrel::VariantType::kNumber:
+            return "NUMBER";
+        case Tavrel::VariantType::kString:
+            return "STRING";
+        case Tavrel::VariantType::kDataRef:
+            return "DATAREF";
+        default:
+            return "";
     }
 }
 

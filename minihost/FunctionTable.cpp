@@ -48,8 +48,8 @@ std::vector<Signature const*> FunctionTable::Candidates(std::string_view name, s
         error = "unknown function '" + std::string(name) + "'; the module offers:\n" +
                 ListSignatures(all);
     } else if (fitting.empty()) {
-        error = "no form of '" + std::string(name) + "' takes " + Arguments(count) +
-                "; there " + (named.size() == 1 ? "is" : "are") + ":\n" + ListSignatures(named);
+        error = "no form of '" + std::string(name) + "' takes " + Arguments(count) + "; there " +
+                (named.size() == 1 ? "is" : "are") + ":\n" + ListSignatures(named);
     }
     if (!error.empty() && error.back() == '\n') {
         error.pop_back();

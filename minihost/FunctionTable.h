@@ -25,7 +25,8 @@ public:
     // that do exist on the lines below it (each indented by two blanks):
     //   unknown name       => "unknown function 'Sise'; the module offers:\n  Size (DATAREF)..."
     //   no form with count => "no form of 'Binary.Slice' takes 1 argument; there are:\n
-    //                          Binary.Slice (DATAREF,NUMBER,NUMBER)\n  Binary.Slice (DATAREF,NUMBER)"
+    //                          Binary.Slice (DATAREF,NUMBER,NUMBER)\n  Binary.Slice
+    //                          (DATAREF,NUMBER)"
     std::vector<Signature const*> Candidates(std::string_view name, std::size_t count,
                                              std::string& error) const;
 

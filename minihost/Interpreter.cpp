@@ -41,8 +41,7 @@ std::string TypeList(std::vector<Variant> const& arguments) {
 
 Interpreter::Interpreter(LoadedModule& module, FunctionTable const& table, Context& context,
                          std::ostream& out, std::ostream& err, InterpreterSettings settings)
-    : mModule(module), mTable(table), mContext(context), mOut(out), mErr(err),
-      mSettings(settings) {
+    : mModule(module), mTable(table), mContext(context), mOut(out), mErr(err), mSettings(settings) {
     mContext.SetErrorHandler([this](ErrorReport const& report) { mPending.push_back(report); });
 }
 
@@ -65,11 +64,13 @@ RunStatus Interpreter::Run(std::string_view source, std::string const& file, int
         for (Statement const& statement : program) {
             Execute(statement);
             if (mContext.Interface_IsInterrupted()) {
+                mOut.flush();
                 mErr << FormatAt(mFile, statement.position, "interrupted") << '\n';
                 return RunStatus::kReports;
             }
         }
     } catch (ScriptError const& error) {
+        mOut.flush();
         mErr << error.Format(mFile) << '\n';
         return RunStatus::kFailed;
     } catch (StrictStop const&) {
@@ -143,8 +144,8 @@ Signature const& Interpreter::Resolve(Call const& call, std::vector<Variant> con
     if (chosen == nullptr) {
         std::string list = FunctionTable::ListSignatures(candidates);
         list.pop_back();
-        throw ScriptError(position, "no form of '" + call.name + "' takes " +
-                                        TypeList(arguments) + "; there are:\n" + list);
+        throw ScriptError(position, "no form of '" + call.name + "' takes " + TypeList(arguments) +
+                                        "; there are:\n" + list);
     }
     return *chosen;
 }
@@ -167,6 +168,10 @@ unsigned int Interpreter::Invoke(std::string const& entry, std::vector<Variant>&
 void Interpreter::FlushReports(SourcePosition position) {
     std::vector<ErrorReport> reports = std::move(mPending);
     mPending.clear();
+    if (!reports.empty()) {
+        // Keep what print showed so far in front of the reports when both streams meet.
+        mOut.flush();
+    }
     for (ErrorReport const& report : reports) {
         mErr << FormatAt(mFile, position, ReportText(report)) << '\n';
         mHadReports = true;

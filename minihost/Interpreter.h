@@ -24,9 +24,9 @@ namespace minihost {
 
 // What a run gives; the numbers are the program's exit statuses.
 enum class RunStatus : int {
-    kClean = 0,        // no report, no fault
-    kReports = 1,      // the module reported errors, or the run was interrupted
-    kFailed = 2,       // a parse or check error, a failed binding, or no form for the types
+    kClean = 0,    // no report, no fault
+    kReports = 1,  // the module reported errors, or the run was interrupted
+    kFailed = 2,   // a parse or check error, a failed binding, or no form for the types
 };
 
 struct InterpreterSettings {
@@ -67,8 +67,7 @@ private:
     Variant EvaluateCall(Call const& call, SourcePosition position);
     Signature const& Resolve(Call const& call, std::vector<Variant> const& arguments,
                              SourcePosition position) const;
-    unsigned int Invoke(std::string const& entry, std::vector<Variant>& arguments,
-                        Variant& result);
+    unsigned int Invoke(std::string const& entry, std::vector<Variant>& arguments, Variant& result);
     // Prints the reports that the last call made, at its place; stops a strict run.
     void FlushReports(SourcePosition position);
 

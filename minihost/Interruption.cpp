@@ -1,8 +1,7 @@
 #include "minihost/Interruption.h"
 
-#include <csignal>
-
 #include <atomic>
+#include <csignal>
 
 namespace minihost {
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "minihost/ValuePrinter.h"
+#include "strings/Escape.h"
 
 namespace minihost {
 
@@ -14,6 +15,13 @@ bool IsNameStart(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z
 bool IsNameChar(char c) { return IsNameStart(c) || IsDigit(c); }
 
 // The value of a hex digit, or -1.
+// Script text as a message quotes it: non-printable bytes as \xNN, the rest as written.
+std::string Shown(std::string_view text) {
+    std::string out;
+    Tavrel::EscapeNonPrint(text, out);
+    return out;
+}
+
 int HexValue(char c) {
     if (IsDigit(c)) {
         return c - '0';
@@ -94,14 +102,20 @@ private:
     Token LexPunctuation(SourcePosition start) {
         char const c = Advance();
         switch (c) {
-            case '(': return Token{TokenKind::kLeftParen, "(", 0.0, start};
-            case ')': return Token{TokenKind::kRightParen, ")", 0.0, start};
-            case ',': return Token{TokenKind::kComma, ",", 0.0, start};
-            case '=': return Token{TokenKind::kEquals, "=", 0.0, start};
-            case ';': return Token{TokenKind::kEndOfStatement, ";", 0.0, start};
-            case '\n': return Token{TokenKind::kEndOfStatement, "\n", 0.0, start};
+            case '(':
+                return Token{TokenKind::kLeftParen, "(", 0.0, start};
+            case ')':
+                return Token{TokenKind::kRightParen, ")", 0.0, start};
+            case ',':
+                return Token{TokenKind::kComma, ",", 0.0, start};
+            case '=':
+                return Token{TokenKind::kEquals, "=", 0.0, start};
+            case ';':
+                return Token{TokenKind::kEndOfStatement, ";", 0.0, start};
+            case '\n':
+                return Token{TokenKind::kEndOfStatement, "\n", 0.0, start};
             default:
-                throw ScriptError(start, "unexpected character '" + EscapeBytes({&c, 1}) + "'");
+                throw ScriptError(start, "unexpected character '" + Shown({&c, 1}) + "'");
         }
     }
 
@@ -118,9 +132,8 @@ private:
         while (!AtEnd() && Peek() == '.') {
             Advance();
             if (AtEnd() || !IsNameStart(Peek())) {
-                throw ScriptError(start, "malformed name '" +
-                                             EscapeBytes(mSource.substr(begin, mIndex - begin)) +
-                                             "'");
+                throw ScriptError(
+                    start, "malformed name '" + Shown(mSource.substr(begin, mIndex - begin)) + "'");
             }
             SkipNamePart();
         }
@@ -189,21 +202,29 @@ private:
         }
         Advance();
         switch (c) {
-            case 'n': bytes += '\n'; return;
-            case 't': bytes += '\t'; return;
-            case '\\': bytes += '\\'; return;
-            case '"': bytes += '"'; return;
-            case 'x': break;
+            case 'n':
+                bytes += '\n';
+                return;
+            case 't':
+                bytes += '\t';
+                return;
+            case '\\':
+                bytes += '\\';
+                return;
+            case '"':
+                bytes += '"';
+                return;
+            case 'x':
+                break;
             default:
-                throw ScriptError(at, "bad escape '" +
-                                          EscapeBytes(mSource.substr(begin, mIndex - begin)) + "'");
+                throw ScriptError(
+                    at, "bad escape '" + Shown(mSource.substr(begin, mIndex - begin)) + "'");
         }
         int const high = Has(0) ? HexValue(Peek()) : -1;
         int const low = Has(1) ? HexValue(Peek(1)) : -1;
         if (high < 0 || low < 0) {
             std::size_t const shown = high >= 0 ? 1 : 0;
-            throw ScriptError(at, "bad escape '" +
-                                      EscapeBytes(mSource.substr(begin, 2 + shown)) +
+            throw ScriptError(at, "bad escape '" + Shown(mSource.substr(begin, 2 + shown)) +
                                       "': \\x takes two hex digits");
         }
         Advance();
@@ -241,12 +262,18 @@ std::vector<Token> Tokenize(std::string_view source, int firstLine) {
 
 std::string DescribeToken(Token const& token) {
     switch (token.kind) {
-        case TokenKind::kName: return "name '" + token.text + "'";
-        case TokenKind::kNumber: return "number " + token.text;
-        case TokenKind::kString: return "string " + QuoteBytes(token.text);
-        case TokenKind::kEndOfStatement: return token.text == ";" ? "';'" : "end of line";
-        case TokenKind::kEnd: return "end of script";
-        default: return "'" + token.text + "'";
+        case TokenKind::kName:
+            return "name '" + token.text + "'";
+        case TokenKind::kNumber:
+            return "number " + token.text;
+        case TokenKind::kString:
+            return "string " + QuoteBytes(token.text);
+        case TokenKind::kEndOfStatement:
+            return token.text == ";" ? "';'" : "end of line";
+        case TokenKind::kEnd:
+            return "end of script";
+        default:
+            return "'" + token.text + "'";
     }
 }
 

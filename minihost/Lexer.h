@@ -13,9 +13,9 @@
 namespace minihost {
 
 enum class TokenKind {
-    kName,            // text: the name, dots included
-    kNumber,          // text: the literal as written; number: its value
-    kString,          // text: the bytes after decoding the escapes
+    kName,    // text: the name, dots included
+    kNumber,  // text: the literal as written; number: its value
+    kString,  // text: the bytes after decoding the escapes
     kLeftParen,
     kRightParen,
     kComma,
@@ -36,12 +36,12 @@ struct Token {
 // escape: where the backslash stands):
 //   "\"abc"          => "unterminated string" at the opening quote (also when a line end
 //                       comes before the closing quote)
-//   "\"a\\qb\""      => "bad escape '\\q'";  "\"\\x4\"" => "bad escape '\\x4': \\x takes two
+//   "\"a\\qb\""      => "bad escape '\q'";  "\"\\x4\"" => "bad escape '\x4': \x takes two
 //                       hex digits"
 //   "-x", "1.", "1e" => "malformed number"
 //   "1e999"          => "number out of range"
 //   "Binary."        => "malformed name 'Binary.'"
-//   "@", "\0"        => "unexpected character '@'" / "unexpected character '\\x00'"
+//   "@", "\0"        => "unexpected character '@'" / "unexpected character '\x00'"
 // Accepted: "" => [kEnd];  "x = -1.5e3 # c" => name, '=', number -1500, kEnd;
 //   "\"\\x00\\\"\"" => one string of the two bytes NUL and '"'.
 std::vector<Token> Tokenize(std::string_view source, int firstLine = 1);

@@ -1,8 +1,8 @@
 #include "minihost/ModuleSetup.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
+#include <sys/stat.h>
 #include <utility>
 
 #include "minihost/DefinitionText.h"

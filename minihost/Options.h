@@ -9,20 +9,20 @@
 namespace minihost {
 
 enum class Mode {
-    kScript,       // run the script file `script`
-    kEval,         // run the statements given with -e
-    kStandardIn,   // no script: a prompt on a terminal, else the script read from standard input
-    kDescribe,     // --describe
-    kHelp,         // --help
+    kScript,      // run the script file `script`
+    kEval,        // run the statements given with -e
+    kStandardIn,  // no script: a prompt on a terminal, else the script read from standard input
+    kDescribe,    // --describe
+    kHelp,        // --help
 };
 
 struct Options {
     Mode mode = Mode::kStandardIn;
-    std::string script;             // kScript: the file; kEval: the statements
-    std::string module;             // --module; "" => the module next to the program
-    bool strict = false;            // --strict
-    bool allowAll = false;          // --allow-all
-    std::vector<std::string> allow; // each --allow, in order
+    std::string script;              // kScript: the file; kEval: the statements
+    std::string module;              // --module; "" => the module next to the program
+    bool strict = false;             // --strict
+    bool allowAll = false;           // --allow-all
+    std::vector<std::string> allow;  // each --allow, in order
 };
 
 // Reads argv[1..argc-1]; false with error set on a malformed command line. An option's value

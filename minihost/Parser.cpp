@@ -55,7 +55,7 @@ private:
         }
     }
 
-    // Line ends inside parentheses continue the call.
+    // A line that ends in '(' or ',' goes on with the next line.
     void SkipLineEnds() {
         while (Current().kind == TokenKind::kEndOfStatement && Current().text == "\n") {
             ++mIndex;
@@ -64,12 +64,12 @@ private:
 
     Statement ParseStatement() {
         SourcePosition const start = Current().position;
+        if (Current().kind == TokenKind::kName && Next().kind == TokenKind::kEquals) {
+            return Statement{start, ParseAssignment()};
+        }
         if (IsName(Current(), kPrint)) {
             ++mIndex;
             return Statement{start, Print{ParseExpression()}};
-        }
-        if (Current().kind == TokenKind::kName && Next().kind == TokenKind::kEquals) {
-            return Statement{start, ParseAssignment()};
         }
         return Statement{start, ExpressionStatement{ParseExpression()}};
     }
@@ -91,10 +91,16 @@ private:
         Token const& token = Current();
         SourcePosition const start = token.position;
         switch (token.kind) {
-            case TokenKind::kString: ++mIndex; return Expression{start, StringLiteral{token.text}};
-            case TokenKind::kNumber: ++mIndex; return Expression{start, NumberLiteral{token.number}};
-            case TokenKind::kName: return ParseNameExpression();
-            default: Fail("an expression");
+            case TokenKind::kString:
+                ++mIndex;
+                return Expression{start, StringLiteral{token.text}};
+            case TokenKind::kNumber:
+                ++mIndex;
+                return Expression{start, NumberLiteral{token.number}};
+            case TokenKind::kName:
+                return ParseNameExpression();
+            default:
+                Fail("an expression");
         }
     }
 
@@ -134,7 +140,6 @@ private:
         }
         while (true) {
             call.arguments.push_back(ParseExpression());
-            SkipLineEnds();
             if (Current().kind == TokenKind::kRightParen) {
                 ++mIndex;
                 return call;

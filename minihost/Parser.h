@@ -4,7 +4,7 @@
 //   statement  := "print" expression | name "=" expression | expression
 //   expression := string | number | name | name "(" arguments ")"
 //               | "call" name "(" arguments ")"
-//   arguments  := [ expression { "," expression } ]    (line ends allowed inside the parentheses)
+//   arguments  := [ expression { "," expression } ]   (a line may end after "(" or ",")
 //
 // "print" and "call" are reserved. A variable name has no dots. It does not check that names
 // exist: the checker does that against the module and the variables assigned so far.
@@ -19,6 +19,7 @@ namespace minihost {
 // The statements of source; line numbers start at firstLine. Throws ScriptError with the
 // place of the first fault (the lexer's faults included):
 //   "print Size(x"   => "expected ',' or ')' but found end of script" (at the end)
+//   "f(x\n)"         => "expected ',' or ')' but found end of line"
 //   "x = "           => "expected an expression but found end of script"
 //   "a.b = 1"        => "a variable name has no dots: 'a.b'"
 //   "print = 1"      => "'print' is reserved"

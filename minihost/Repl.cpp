@@ -6,10 +6,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <string>
-
 #include <readline/history.h>
 #include <readline/readline.h>
+#include <string>
 
 #include "minihost/Interruption.h"
 

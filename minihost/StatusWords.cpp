@@ -6,10 +6,14 @@ namespace {
 
 std::string CodeWords(unsigned int code) {
     switch (code) {
-        case 1: return "argument missing";
-        case 2: return "wrong argument";
-        case 4: return "empty user-defined value";
-        default: return "unknown code " + std::to_string(code);
+        case 1:
+            return "argument missing";
+        case 2:
+            return "wrong argument";
+        case 4:
+            return "empty user-defined value";
+        default:
+            return "unknown code " + std::to_string(code);
     }
 }
 

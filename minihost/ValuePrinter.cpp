@@ -12,11 +12,16 @@ namespace {
 // The escape of a byte that has a letter of its own, or null.
 char const* NamedEscape(char byte) {
     switch (byte) {
-        case '\n': return "\\n";
-        case '\t': return "\\t";
-        case '\\': return "\\\\";
-        case '"': return "\\\"";
-        default: return nullptr;
+        case '\n':
+            return "\\n";
+        case '\t':
+            return "\\t";
+        case '\\':
+            return "\\\\";
+        case '"':
+            return "\\\"";
+        default:
+            return nullptr;
     }
 }
 
@@ -47,7 +52,8 @@ std::string FormatDataRef(Variant const& value) {
         return "null";
     }
     unsigned long long const size = data->GetSize();
-    std::string text = "DATAREF(" + std::to_string(size) + ") " + QuoteBytes(PreviewOf(*data.get(), size));
+    std::string text =
+        "DATAREF(" + std::to_string(size) + ") " + QuoteBytes(PreviewOf(*data.get(), size));
     if (size > kPreviewBytes) {
         text += "...";
     }
@@ -86,11 +92,16 @@ std::string FormatNumber(double value) {
 std::string FormatValue(Variant const& value) {
     unsigned int const type = value.type();
     switch (type) {
-        case Tavrel::VariantType::kNumber: return FormatNumber(value.number());
-        case Tavrel::VariantType::kString: return QuoteBytes(value.string());
-        case Tavrel::VariantType::kDataRef: return FormatDataRef(value);
-        case Variant::kNothing: return "nothing";
-        default: return "user-defined value (type " + std::to_string(type) + ")";
+        case Tavrel::VariantType::kNumber:
+            return FormatNumber(value.number());
+        case Tavrel::VariantType::kString:
+            return QuoteBytes(value.string());
+        case Tavrel::VariantType::kDataRef:
+            return FormatDataRef(value);
+        case Variant::kNothing:
+            return "nothing";
+        default:
+            return "user-defined value (type " + std::to_string(type) + ")";
     }
 }
 

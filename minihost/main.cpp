@@ -2,7 +2,6 @@
 // a script file, statements given with -e, a script from standard input, or an interactive
 // prompt; or describes the module. See HelpText() in minihost/Options.cpp for the options.
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,6 +9,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 #include "minihost/Context.h"
@@ -112,8 +112,8 @@ bool MakePolicy(Options const& options, Tavrel::AutoRefPtr<Tavrel::IPolicy>& pol
 
 // Runs the script, the -e statements, standard input or the prompt.
 int RunScripts(Options const& options, ReadyModule& ready, Context& context) {
-    InterpreterSettings const settings{options.strict, options.mode == Mode::kStandardIn &&
-                                                           ::isatty(STDIN_FILENO) == 1};
+    InterpreterSettings const settings{
+        options.strict, options.mode == Mode::kStandardIn && ::isatty(STDIN_FILENO) == 1};
     Interpreter interpreter(*ready.module, ready.table, context, std::cout, std::cerr, settings);
     if (settings.echo) {
         return RunPrompt(interpreter, context);

@@ -1,0 +1,153 @@
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+#include "minihost/Context.h"
+#include "minihost/SandboxPolicy.h"
+#include "object/AutoRefPtr.h"
+
+namespace minihost {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A scratch tree, removed with everything in it at the end:
+//   allowed/file, allowed/sub/deep, allowedx/file, outside/secret, "allowed\secret",
+//   allowed/to-secret -> ../outside/secret, allowed/to-file -> file,
+//   allowed/to-outside -> ../outside (a directory), allowed/fifo
+class Tree {
+public:
+    Tree() {
+        std::string pattern = (fs::temp_directory_path() / "sandbox-XXXXXX").string();
+        if (::mkdtemp(pattern.data()) == nullptr) {
+            throw std::runtime_error("mkdtemp failed");
+        }
+        // The root itself may lie behind a link (as /tmp can): resolve it like the policy.
+        mRoot = fs::canonical(pattern).string();
+        for (char const* directory : {"allowed/sub", "allowedx", "outside"}) {
+            fs::create_directories(Path(directory));
+        }
+        for (char const* file : {"allowed/file", "allowed/sub/deep", "allowedx/file",
+                                 "outside/secret", "allowed\\secret"}) {
+            std::ofstream(Path(file)) << "bytes of " << file;
+        }
+        fs::create_symlink("../outside/secret", Path("allowed/to-secret"));
+        fs::create_symlink("file", Path("allowed/to-file"));
+        fs::create_directory_symlink("../outside", Path("allowed/to-outside"));
+        ::mkfifo(Path("allowed/fifo").c_str(), 0600);
+    }
+    ~Tree() {
+        std::error_code ignored;
+        fs::remove_all(mRoot, ignored);
+    }
+    Tree(Tree const&) = delete;
+    Tree& operator=(Tree const&) = delete;
+
+    std::string Path(std::string const& relative) const { return mRoot + "/" + relative; }
+
+private:
+    std::string mRoot;
+};
+
+// Whether the policy hands out data for path, through the host's context as the module
+// asks for it.
+bool Serves(SandboxPolicy& policy, std::string const& path) {
+    Context context{Tavrel::AutoRefPtr<Tavrel::IPolicy>()};
+    Tavrel::AutoRefPtr<Tavrel::IDataRef> data(policy.Interface_LoadData(&context, path.c_str()));
+    return static_cast<bool>(data);
+}
+
+TEST(SandboxPolicy, ServesOnlyFilesUnderTheAllowedDirectory) {
+    Tree const tree;
+    struct Row {
+        std::string path;  // "@" stands for the tree's root
+        bool served;
+    };
+    Row const rows[] = {
+        {"file", true},  // relative to the base, allowed/
+        {"sub/deep", true},
+        {"sub/../file", true},
+        {"./sub//deep", true},
+        {"@/allowed/file", true},      // absolute, inside
+        {"to-file", true},             // a link that stays inside
+        {"../allowed/file", true},     // leaves and comes back
+        {"../outside/secret", false},  // escape by ".."
+        {"sub/../../outside/secret", false},
+        {"@/outside/secret", false},  // escape by an absolute path
+        {"/etc/passwd", false},
+        {"to-secret", false},          // escape by a link to a file
+        {"to-outside/secret", false},  // escape by a link to a directory
+        {"@/allowedx/file", false},    // a directory named with allowed's prefix
+        {"../allowedx/file", false},
+        {"@/allowed\\secret", false},  // a backslash is no separator here
+        {"missing", false},
+        {"", false},
+        {".", false},     // the directory itself is no file
+        {"fifo", false},  // inside, but no regular file; no blocking
+    };
+    SandboxPolicy policy(tree.Path("allowed"), {tree.Path("allowed")}, false);
+    for (Row const& row : rows) {
+        std::string path = row.path;
+        if (path.rfind('@', 0) == 0) {
+            path = tree.Path("") + path.substr(2);
+        }
+        EXPECT_EQ(Serves(policy, path), row.served) << "row " << row.path;
+    }
+}
+
+TEST(SandboxPolicy, AllowAllServesAnyRegularFileAndNothingElse) {
+    Tree const tree;
+    SandboxPolicy policy(tree.Path("allowed"), {}, true);
+    EXPECT_TRUE(Serves(policy, "to-secret"));
+    EXPECT_TRUE(Serves(policy, "../outside/secret"));
+    EXPECT_FALSE(Serves(policy, "missing"));
+    EXPECT_FALSE(Serves(policy, "fifo"));
+    EXPECT_EQ(policy.loadCalls(), 4);
+}
+
+TEST(SandboxPolicy, AllowedDirectoriesAreResolvedOnceAndMissingOnesAllowNothing) {
+    Tree const tree;
+    // Given through a link and with "..": stored resolved.
+    SandboxPolicy policy(tree.Path("allowed"),
+                         {tree.Path("allowed/to-outside"), tree.Path("allowedx/../allowedx"),
+                          tree.Path("no-such-directory")},
+                         false);
+    EXPECT_EQ(policy.allowedDirectories(),
+              (std::vector<std::string>{tree.Path("outside"), tree.Path("allowedx")}));
+    EXPECT_TRUE(Serves(policy, "to-secret"));
+    EXPECT_TRUE(Serves(policy, "../allowedx/file"));
+    EXPECT_FALSE(Serves(policy, "file"));
+}
+
+TEST(SandboxPolicy, IsInsideDirectoryComparesWholeComponents) {
+    struct Row {
+        std::string path, directory;
+        bool inside;
+    };
+    Row const rows[] = {
+        {"/tmp/a/x", "/tmp/a", true},
+        {"/tmp/a", "/tmp/a", true},
+        {"/tmp/ab", "/tmp/a", false},
+        {"/tmp/a\\x", "/tmp/a", false},
+        {"/tmp", "/tmp/a", false},
+        {"/x", "/", true},
+        {"/", "/", true},
+        {"/tmp/a/x", "", false},
+        {"", "/tmp", false},
+        {"/tmp/x\\/y", "/tmp/x\\", true},
+        {"/tmp/x\\y", "/tmp/x\\", false},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(IsInsideDirectory(row.path, row.directory), row.inside)
+            << "row " << row.path << " in " << row.directory;
+    }
+}
+
+}  // namespace
+}  // namespace minihost

@@ -1,0 +1,158 @@
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "minihost/Lexer.h"
+#include "minihost/Parser.h"
+#include "minihost/ValuePrinter.h"
+
+namespace minihost {
+namespace {
+
+using namespace std::string_literals;
+
+// What Parse says about source: "" when it is accepted, else "<line>:<column>: <message>".
+std::string ParseFault(std::string const& source) {
+    try {
+        Parse(source);
+        return "";
+    } catch (ScriptError const& error) {
+        return error.Format("").substr(1);
+    }
+}
+
+TEST(Parse, MalformedScriptsGiveOneMessageWithLineAndColumn) {
+    struct Row {
+        std::string source;
+        std::string fault;
+    };
+    Row const rows[] = {
+        {"x = \"abc", "1:5: unterminated string"},
+        {"x = \"ab\nc\"", "1:5: unterminated string"},
+        {"x = \"ab\\", "1:5: unterminated string"},
+        {"\n  print \"a\\qb\"", "2:11: bad escape '\\q'"},
+        {"print \"\\x4\"", "1:8: bad escape '\\x4': \\x takes two hex digits"},
+        {"print \"\\xg0\"", "1:8: bad escape '\\x': \\x takes two hex digits"},
+        {"print \"\\x", "1:8: bad escape '\\x': \\x takes two hex digits"},
+        {"print -x", "1:7: malformed number"},
+        {"print 1.", "1:7: malformed number"},
+        {"print 2e", "1:7: malformed number"},
+        {"print 1e999", "1:7: number out of range"},
+        {"print Binary.", "1:7: malformed name 'Binary.'"},
+        {"print @", "1:7: unexpected character '@'"},
+        {"print \0"s, "1:7: unexpected character '\\x00'"},
+        {"print Size(x", "1:13: expected ',' or ')' but found end of script"},
+        {"print Size(x\n)", "1:13: expected ',' or ')' but found end of line"},
+        {"print Size(x y)", "1:14: expected ',' or ')' but found name 'y'"},
+        {"print Size(,)", "1:12: expected an expression but found ','"},
+        {"x = ", "1:5: expected an expression but found end of script"},
+        {"print", "1:6: expected an expression but found end of script"},
+        {"x y", "1:3: expected end of line but found name 'y'"},
+        {"x = 1 2", "1:7: expected end of line but found number 2"},
+        {"a.b = 1", "1:1: a variable name has no dots: 'a.b'"},
+        {"print = 1", "1:1: 'print' is reserved"},
+        {"call = 1", "1:1: 'call' is reserved"},
+        {"x = print", "1:5: 'print' is reserved"},
+        {"call 5", "1:6: expected the name of an entry after 'call' but found number 5"},
+        {"call f", "1:7: expected '(' but found end of script"},
+        {"print Binary.Size", "1:18: expected '(' after the function name but found end of script"},
+        {"print \"a\"; )", "1:12: expected an expression but found ')'"},
+        // Accepted.
+        {"", ""},
+        {"# only a comment\n\n;;", ""},
+        {"x = 1; print x # and a comment", ""},
+        {"print F(\n  1,\n  \"a\")", ""},
+        {"print F(\n)", ""},
+        {"call e(1, x, \"s\")", ""},
+        {"Size = 1\nprint Size(Size)", ""},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(ParseFault(row.source), row.fault) << "row " << row.source;
+    }
+}
+
+TEST(Tokenize, DecodesLiterals) {
+    struct Row {
+        std::string source;
+        TokenKind kind;
+        std::string text;
+        double number;
+    };
+    Row const rows[] = {
+        {"\"\"", TokenKind::kString, "", 0},
+        {"\"\\x00\\\"\\\\\\n\\t\"", TokenKind::kString, "\0\"\\\n\t"s, 0},
+        {"\"\\xFF\\xab\"", TokenKind::kString, "\xff\xab", 0},
+        {"\"\t raw\xc3\xa9\"", TokenKind::kString, "\t raw\xc3\xa9", 0},
+        {"-1.5e3", TokenKind::kNumber, "-1.5e3", -1500},
+        {"+0.25", TokenKind::kNumber, "+0.25", 0.25},
+        {"-0", TokenKind::kNumber, "-0", -0.0},
+        {"007", TokenKind::kNumber, "007", 7},
+        {"Binary.Append_2", TokenKind::kName, "Binary.Append_2", 0},
+        {"_x", TokenKind::kName, "_x", 0},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE("row " + row.source);
+        std::vector<Token> const tokens = Tokenize(row.source);
+        ASSERT_EQ(tokens.size(), 2u);
+        EXPECT_EQ(tokens[0].kind, row.kind);
+        EXPECT_EQ(tokens[0].text, row.text);
+        EXPECT_EQ(tokens[0].number, row.number);
+        EXPECT_EQ(tokens[1].kind, TokenKind::kEnd);
+    }
+}
+
+TEST(Tokenize, CountsLinesAndColumnsFromTheFirstLine) {
+    std::vector<Token> const tokens = Tokenize("a =\t\"x\" # c\n  f(", 7);
+    std::vector<std::pair<int, int>> places;
+    for (Token const& token : tokens) {
+        places.emplace_back(token.position.line, token.position.column);
+    }
+    std::vector<std::pair<int, int>> const expected{{7, 1}, {7, 3}, {7, 5}, {7, 12},
+                                                    {8, 3}, {8, 4}, {8, 5}};
+    EXPECT_EQ(places, expected);
+}
+
+// Random bytes, many of them special to the lexer.
+std::string RandomBytes(std::mt19937& random, std::size_t maxLength) {
+    static std::string const kAlphabet = "\"\\x0aF(),=;#\n\t .-+e9z\0\xff"s;
+    std::string bytes(random() % (maxLength + 1), '\0');
+    for (char& byte : bytes) {
+        byte = random() % 4 == 0 ? static_cast<char>(random() % 256)
+                                 : kAlphabet[random() % kAlphabet.size()];
+    }
+    return bytes;
+}
+
+TEST(Tokenize, ReadsBackEveryStringThatPrintShows) {
+    std::mt19937 random(17);
+    for (int round = 0; round < 2000; ++round) {
+        std::string const bytes = RandomBytes(random, 24);
+        std::vector<Token> const tokens = Tokenize(QuoteBytes(bytes));
+        ASSERT_EQ(tokens.size(), 2u);
+        ASSERT_EQ(tokens[0].kind, TokenKind::kString);
+        ASSERT_EQ(tokens[0].text, bytes) << "round " << round;
+    }
+}
+
+TEST(Parse, AnyTextIsAcceptedOrRefusedWithAPlaceInsideIt) {
+    std::mt19937 random(29);
+    for (int round = 0; round < 5000; ++round) {
+        std::string const source = RandomBytes(random, 40);
+        try {
+            Parse(source);
+        } catch (ScriptError const& error) {
+            int lines = 1;
+            for (char c : source) {
+                lines += c == '\n' ? 1 : 0;
+            }
+            EXPECT_GE(error.position().line, 1);
+            EXPECT_LE(error.position().line, lines) << "round " << round;
+            EXPECT_GE(error.position().column, 1);
+            EXPECT_LE(error.position().column, static_cast<int>(source.size()) + 1);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace minihost

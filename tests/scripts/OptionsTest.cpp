@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "minihost/Options.h"
+
+namespace minihost {
+namespace {
+
+// The options in one line: "<mode> script=<s> module=<m> strict allow-all allow=<d>...",
+// or "error: <text>".
+std::string Read(std::vector<char const*> arguments) {
+    arguments.insert(arguments.begin(), "minihost");
+    Options options;
+    std::string error;
+    if (!ParseOptions(static_cast<int>(arguments.size()), arguments.data(), options, error)) {
+        return "error: " + error;
+    }
+    static char const* const kModes[] = {"script", "eval", "stdin", "describe", "help"};
+    std::string text = kModes[static_cast<int>(options.mode)];
+    text += " script=" + options.script + " module=" + options.module;
+    text += options.strict ? " strict" : "";
+    text += options.allowAll ? " allow-all" : "";
+    for (std::string const& directory : options.allow) {
+        text += " allow=" + directory;
+    }
+    return text;
+}
+
+TEST(Options, ReadsTheCommandLine) {
+    struct Row {
+        std::vector<char const*> arguments;
+        std::string expected;
+    };
+    Row const rows[] = {
+        {{}, "stdin script= module="},
+        {{"t.tvl"}, "script script=t.tvl module="},
+        {{"-"}, "script script=- module="},
+        {{"-e", "print 1"}, "eval script=print 1 module="},
+        {{"--eval=x = 1"}, "eval script=x = 1 module="},
+        {{"--describe", "--module", "m.so"}, "describe script= module=m.so"},
+        {{"--module=m.so", "--describe", "t.tvl"}, "describe script=t.tvl module=m.so"},
+        {{"t.tvl", "--help", "--bogus-after-help-is-still-read"},
+         "error: unknown option '--bogus-after-help-is-still-read'"},
+        {{"--help", "t.tvl"}, "help script=t.tvl module="},
+        {{"--strict", "--allow", "a", "--allow=b", "--allow-all", "t.tvl"},
+         "script script=t.tvl module= strict allow-all allow=a allow=b"},
+        {{"--", "--strict"}, "script script=--strict module="},
+        {{"--bogus"}, "error: unknown option '--bogus'"},
+        {{"-x"}, "error: unknown option '-x'"},
+        {{"--module"}, "error: option '--module' needs a value"},
+        {{"--allow"}, "error: option '--allow' needs a value"},
+        {{"-e"}, "error: option '-e' needs a value"},
+        {{"--strict=1"}, "error: option '--strict' takes no value"},
+        {{"--describe=yes"}, "error: option '--describe' takes no value"},
+        {{"a.tvl", "b.tvl"}, "error: more than one script: 'b.tvl'"},
+        {{"-e", "x", "a.tvl"}, "error: more than one script: 'a.tvl'"},
+        {{"a.tvl", "-e", "x"}, "error: more than one script: '-e'"},
+    };
+    for (Row const& row : rows) {
+        std::string trace = "row";
+        for (char const* argument : row.arguments) {
+            trace += std::string(" ") + argument;
+        }
+        EXPECT_EQ(Read(row.arguments), row.expected) << trace;
+    }
+}
+
+TEST(Options, HelpNamesEveryOption) {
+    std::string const help = HelpText();
+    for (char const* option : {"-e, --eval", "--describe", "--module", "--strict", "--allow DIR",
+                               "--allow-all", "-h, --help", "Exit status"}) {
+        EXPECT_NE(help.find(option), std::string::npos) << "row " << option;
+    }
+}
+
+}  // namespace
+}  // namespace minihost

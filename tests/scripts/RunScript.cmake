@@ -1,0 +1,57 @@
+# Runs one script case through minihost and compares its standard output, standard error and
+# exit status with the files beside it: <case>.out, <case>.err, <case>.status. The command
+# line is "minihost <case>.tvl", or the lines of <case>.args (one argument per line) when that
+# file exists; standard input is <case>.in when it exists, else empty. The program runs in the
+# cases directory, so messages name files as the case wrote them.
+#   cmake -DMINIHOST=<program> -DCASES=<dir> -DCASE=<name> -DWORK=<dir> -P RunScript.cmake
+# With -DUPDATE=ON it writes what the program gave into the expected files instead.
+foreach(required MINIHOST CASES CASE WORK)
+  if(NOT DEFINED ${required})
+    message(FATAL_ERROR "RunScript.cmake needs -D${required}=...")
+  endif()
+endforeach()
+
+set(base ${CASES}/${CASE})
+if(EXISTS ${base}.args)
+  file(STRINGS ${base}.args arguments)
+else()
+  set(arguments ${CASE}.tvl)
+endif()
+set(input /dev/null)
+if(EXISTS ${base}.in)
+  set(input ${base}.in)
+endif()
+
+execute_process(COMMAND ${MINIHOST} ${arguments}
+  WORKING_DIRECTORY ${CASES}
+  INPUT_FILE ${input}
+  OUTPUT_VARIABLE actual_out
+  ERROR_VARIABLE actual_err
+  RESULT_VARIABLE actual_status)
+set(actual_status "${actual_status}\n")
+
+set(failed FALSE)
+foreach(stream out err status)
+  set(expected_file ${base}.${stream})
+  set(actual_file ${WORK}/${CASE}.${stream}.actual)
+  file(WRITE ${actual_file} "${actual_${stream}}")
+  if(UPDATE)
+    file(WRITE ${expected_file} "${actual_${stream}}")
+    continue()
+  endif()
+  set(expected "")
+  if(EXISTS ${expected_file})
+    file(READ ${expected_file} expected)
+  endif()
+  if(NOT expected STREQUAL actual_${stream})
+    set(failed TRUE)
+    message("${CASE}: ${stream} differs from ${expected_file}:")
+    execute_process(COMMAND diff -u ${expected_file} ${actual_file} RESULT_VARIABLE diff_status)
+    if(diff_status GREATER 1)
+      message("expected:\n${expected}\nactual:\n${actual_${stream}}")
+    endif()
+  endif()
+endforeach()
+if(failed)
+  message(FATAL_ERROR "${CASE}: minihost did not give the expected results")
+endif()
