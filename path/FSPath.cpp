@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <functional>
+#include <iterator>
 #include <list>
 #include <new>
 #include <ostream>
