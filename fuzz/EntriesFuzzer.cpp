@@ -1,0 +1,449 @@
+// The entries fuzzer: loads the built module the way a host does (dlopen) and calls one
+// entry per input, with a count, arguments, a result variant and a context that the input
+// chooses. Besides running clean under the sanitizers, every call must meet these rules:
+//  - the status word is the one that the binding rules predict (EntrySignatures);
+//  - the result variant gets exactly one value, of the entry's result type, and the empty
+//    value of that type when the binding failed;
+//  - a failed binding reports nothing; a successful one reports once exactly when a buffer is
+//    missing, a number is negative, or the host gave no file (severity 2, module "Binary");
+//  - argument buffers keep their bytes and their counts, a new result buffer is held by the
+//    result variant alone, and every host buffer and user object is gone once the values of
+//    the call are.
+// A broken rule aborts with a message, which libFuzzer records as a crash.
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <atomic>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "fuzz/EntrySignatures.h"
+#include "fuzz/FuzzCheck.h"
+#include "host/IPolicy.h"
+#include "host/IUserDefinedType.h"
+#include "minihost/Context.h"
+#include "minihost/LiveCount.h"
+#include "minihost/MemoryBuffer.h"
+#include "minihost/ModuleLoader.h"
+#include "minihost/Variant.h"
+#include "object/InterfaceImpl.h"
+
+namespace {
+
+using Tavrel::AutoRefPtr;
+using Tavrel::IDataRef;
+
+// One more place than any entry takes, so that extra arguments are exercised too.
+constexpr int kMaxArguments = 5;
+constexpr std::size_t kMaxBufferBytes = 64;
+constexpr std::size_t kMaxStringBytes = 64;
+
+using fuzz::Require;
+
+// A user-defined object that counts the objects alive.
+class UserObject final : public InterfaceImpl<Tavrel::IUserDefinedType> {
+public:
+    UserObject() { sLive.fetch_add(1); }
+    ~UserObject() override { sLive.fetch_sub(1); }
+    char const* Interface_GetTypeName() const override { return "Fuzz.Object"; }
+    static long Live() { return sLive.load(); }
+
+private:
+    static inline std::atomic<long> sLive{0};
+};
+
+// A host policy that needs no file system: a path that begins with "f" gives a host buffer
+// holding the path's bytes, any other path gives no data.
+class FuzzPolicy final : public InterfaceImpl<Tavrel::IPolicy> {
+public:
+    static bool GivesData(std::string_view path) { return !path.empty() && path[0] == 'f'; }
+
+    IDataRef* Interface_LoadData(Tavrel::IContext* /*context*/, char const* path) override {
+        return path != nullptr && GivesData(path) ? new minihost::MemoryBuffer(path) : nullptr;
+    }
+};
+
+// The loaded module and its entries, in the order of the definition text.
+struct Surface {
+    std::unique_ptr<minihost::LoadedModule> module;
+    std::vector<fuzz::Signature> signatures;
+    std::vector<minihost::EntryFunction> entries;
+};
+
+Surface& TheSurface() {
+    static Surface surface;
+    return surface;
+}
+
+void LoadSurface() {
+    Surface& surface = TheSurface();
+    std::string error;
+    surface.module = minihost::LoadedModule::Load(TAVREL_FUZZ_MODULE_PATH, error);
+    Require(surface.module != nullptr, error.c_str(), "module");
+    auto signatures = fuzz::ParseDefinition(surface.module->Definition());
+    Require(signatures && signatures->size() == 13, "13 readable signatures", "definition");
+    for (fuzz::Signature const& signature : *signatures) {
+        minihost::EntryFunction entry = surface.module->Entry(signature.entry);
+        Require(entry != nullptr, "every named entry is exported", signature.entry);
+        surface.entries.push_back(entry);
+    }
+    surface.signatures = std::move(*signatures);
+}
+
+// What the entry does besides binding, by its name.
+struct EntryTraits {
+    bool reportsBadValues;   // a missing buffer or a negative number is reported
+    bool isMapFile;          // the result comes from the policy
+    bool nullWithoutBuffer;  // a missing buffer gives a null reference, not a new buffer
+};
+
+EntryTraits TraitsOf(std::string_view entry) {
+    bool const fromString = entry == "tavrel_module_ToDataRef" ||
+                            entry == "tavrel_module_BinarySetFromString";
+    bool const isMapFile = entry == "tavrel_module_BinaryMapFile";
+    bool const isCopy =
+        entry == "tavrel_module_BinaryCopy" || entry == "tavrel_module_BinaryCopyPart";
+    return {!fromString && !isMapFile, isMapFile, isCopy};
+}
+
+// All bytes of a buffer, read in as many pieces as it delivers.
+std::string BytesOf(IDataRef const& buffer) {
+    std::string bytes(buffer.GetSize(), '\0');
+    unsigned long long done = 0;
+    while (done < bytes.size()) {
+        unsigned long long const got = buffer.Read(bytes.data() + done, bytes.size() - done, done);
+        if (got == 0) {
+            break;
+        }
+        done += got;
+    }
+    return bytes;
+}
+
+// Numbers that sit on the edges of the conversion to long long.
+double EdgeNumber(FuzzedDataProvider& input) {
+    constexpr double kEdges[] = {
+        std::numeric_limits<double>::quiet_NaN(),
+        std::numeric_limits<double>::infinity(),
+        -std::numeric_limits<double>::infinity(),
+        1e300,
+        -1e300,
+        9223372036854775807.0,   // 2^63 once rounded
+        -9223372036854775808.0,  // -2^63
+        18446744073709551616.0,  // 2^64
+        9007199254740993.0,      // 2^53 + 1
+        -0.5,
+        -0.0,
+        -1.0,
+        2.9,
+        -2.9,
+    };
+    return kEdges[input.ConsumeIntegralInRange<std::size_t>(0, std::size(kEdges) - 1)];
+}
+
+double FuzzedNumber(FuzzedDataProvider& input) {
+    switch (input.ConsumeIntegralInRange(0, 2)) {
+        case 0:
+            return EdgeNumber(input);
+        case 1:
+            return input.ConsumeIntegralInRange<int>(-3, 80);
+        default:
+            return input.ConsumeFloatingPoint<double>();
+    }
+}
+
+enum class ArgumentKind {
+    kNullPointer,
+    kNumber,
+    kString,
+    kNullBuffer,
+    kModuleBuffer,
+    kHostBuffer,
+    kHiddenHostBuffer,
+    kChunkedHostBuffer,
+    kUserObject,
+    kUserWithoutObject,
+    kOtherType,
+    kSameAsEarlier,
+    kMaxValue = kSameAsEarlier,  // the last kind, as FuzzedDataProvider::ConsumeEnum needs
+};
+
+// The values of one call. Every variant, buffer and object of the call lives here, so that
+// destroying the setup releases all of them.
+struct CallSetup {
+    std::vector<minihost::Variant> values;
+    std::vector<Tavrel::IVariant*> pointers;  // the arguments array, count places
+    std::vector<fuzz::ArgumentShape> shapes;
+    std::vector<double> numbers;              // per place, NUMBER values only
+    std::vector<std::string> strings;         // per place, STRING values only
+    std::vector<AutoRefPtr<IDataRef>> buffers;
+    std::vector<std::string> bufferBytes;
+    std::vector<int> bufferCounts;
+};
+
+AutoRefPtr<IDataRef> ModuleBuffer(std::string_view bytes) {
+    Surface& surface = TheSurface();
+    minihost::Variant text = minihost::Variant::String(bytes);
+    minihost::Variant result;
+    Tavrel::IVariant* arguments[] = {&text};
+    minihost::Context context{AutoRefPtr<Tavrel::IPolicy>(new FuzzPolicy())};
+    minihost::EntryFunction const toDataRef = surface.module->Entry("tavrel_module_ToDataRef");
+    Require(toDataRef(1, arguments, &result, surface.module->Info(), &context) == 0,
+            "ToDataRef binds a STRING", "tavrel_module_ToDataRef");
+    return result.data();
+}
+
+AutoRefPtr<IDataRef> HostBuffer(std::string_view bytes, bool expose, unsigned long long chunk) {
+    return AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(bytes, {expose, chunk}));
+}
+
+// Makes the value of one place; the shape says what the binding can see of it.
+void AddArgument(FuzzedDataProvider& input, CallSetup& setup) {
+    auto kind = input.ConsumeEnum<ArgumentKind>();
+    if (kind == ArgumentKind::kSameAsEarlier && setup.values.empty()) {
+        kind = ArgumentKind::kNullPointer;
+    }
+    minihost::Variant value;
+    fuzz::ArgumentShape shape{true, 0, false};
+    double number = 0.0;
+    std::string text;
+    AutoRefPtr<IDataRef> buffer;
+    std::string const bytes = input.ConsumeRandomLengthString(kMaxBufferBytes);
+    switch (kind) {
+        case ArgumentKind::kNullPointer:
+            shape.present = false;
+            break;
+        case ArgumentKind::kNumber:
+            number = FuzzedNumber(input);
+            value = minihost::Variant::Number(number);
+            break;
+        case ArgumentKind::kString:
+            text = input.ConsumeRandomLengthString(kMaxStringBytes);
+            value = minihost::Variant::String(text);
+            break;
+        case ArgumentKind::kNullBuffer:
+            value = minihost::Variant::DataRef(buffer);
+            break;
+        case ArgumentKind::kModuleBuffer:
+            buffer = ModuleBuffer(bytes);
+            break;
+        case ArgumentKind::kHostBuffer:
+            buffer = HostBuffer(bytes, true, 0);
+            break;
+        case ArgumentKind::kHiddenHostBuffer:
+            buffer = HostBuffer(bytes, false, 0);
+            break;
+        case ArgumentKind::kChunkedHostBuffer:
+            buffer = HostBuffer(bytes, input.ConsumeBool(), input.ConsumeIntegralInRange(1, 7));
+            break;
+        case ArgumentKind::kUserObject:
+            value = minihost::Variant::UserDefined(input.ConsumeIntegralInRange(21u, 400u),
+                                                   AutoRefPtr<Tavrel::IUserDefinedType>(
+                                                       new UserObject()));
+            break;
+        case ArgumentKind::kUserWithoutObject:
+            value = minihost::Variant::UserDefined(input.ConsumeIntegralInRange(21u, 400u), {});
+            break;
+        case ArgumentKind::kOtherType:
+            value = minihost::Variant::UserDefined(input.ConsumeIntegralInRange(0u, 20u), {});
+            break;
+        case ArgumentKind::kSameAsEarlier: {
+            std::size_t const earlier = input.ConsumeIntegralInRange<std::size_t>(
+                0, setup.values.size() - 1);
+            value = setup.values[earlier];
+            shape = setup.shapes[earlier];
+            number = setup.numbers[earlier];
+            text = setup.strings[earlier];
+            buffer = setup.buffers[earlier];
+            break;
+        }
+    }
+    if (buffer && kind != ArgumentKind::kSameAsEarlier) {
+        value = minihost::Variant::DataRef(buffer);
+    }
+    if (shape.present) {
+        shape.type = value.type();
+        shape.hasObject = static_cast<bool>(value.userDefined());
+    }
+    setup.values.push_back(std::move(value));
+    setup.shapes.push_back(shape);
+    setup.numbers.push_back(number);
+    setup.strings.push_back(std::move(text));
+    setup.buffers.push_back(std::move(buffer));
+}
+
+void FillArguments(FuzzedDataProvider& input, CallSetup& setup, int count) {
+    setup.values.reserve(kMaxArguments);
+    for (int place = 0; place < kMaxArguments; ++place) {
+        AddArgument(input, setup);
+    }
+    for (int place = 0; place < count; ++place) {
+        bool const present = setup.shapes[place].present;
+        setup.pointers.push_back(present ? &setup.values[place] : nullptr);
+    }
+    for (auto const& buffer : setup.buffers) {
+        setup.bufferBytes.push_back(buffer ? BytesOf(*buffer.get()) : std::string());
+    }
+}
+
+// NaN becomes 0 and every number above -1 truncates to 0 or more, so only these are negative.
+bool IsNegativeNumber(double number) { return number <= -1.0; }
+
+// Whether the operation must report once, for a call whose binding succeeded.
+bool ExpectsReport(fuzz::Signature const& signature, CallSetup const& setup, bool interrupted) {
+    EntryTraits const traits = TraitsOf(signature.entry);
+    if (traits.isMapFile) {
+        std::string_view const path(setup.strings[0].c_str());  // the host sees it up to a NUL
+        return !interrupted && !FuzzPolicy::GivesData(path);
+    }
+    if (!traits.reportsBadValues) {
+        return false;
+    }
+    for (std::size_t place = 0; place < signature.parameters.size(); ++place) {
+        fuzz::ScriptType const type = signature.parameters[place];
+        if (type == fuzz::ScriptType::kDataRef && !setup.buffers[place]) {
+            return true;
+        }
+        if (type == fuzz::ScriptType::kNumber && IsNegativeNumber(setup.numbers[place])) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// Whether a successful call gives a null reference: a copy of a missing buffer, or a file
+// that the host does not give (interrupted or not).
+bool ExpectsNullBuffer(fuzz::Signature const& signature, CallSetup const& setup) {
+    EntryTraits const traits = TraitsOf(signature.entry);
+    if (traits.isMapFile) {
+        return !FuzzPolicy::GivesData(setup.strings[0].c_str());
+    }
+    return traits.nullWithoutBuffer && !setup.buffers[0];
+}
+
+void CheckEmptyValue(minihost::Variant const& result, fuzz::Signature const& signature) {
+    Require(result.number() == 0.0 && result.string().empty() && !result.dataPointer(),
+            "a failed binding stores the empty value", signature.entry);
+}
+
+void CheckBoundValue(minihost::Variant const& result, fuzz::Signature const& signature,
+                     CallSetup const& setup) {
+    if (signature.result == fuzz::ScriptType::kNumber) {
+        unsigned long long const size = setup.buffers[0] ? setup.buffers[0]->GetSize() : 0;
+        Require(result.number() == static_cast<double>(size), "Size gives the size",
+                signature.entry);
+    }
+    if (signature.result != fuzz::ScriptType::kDataRef) {
+        return;
+    }
+    IDataRef* const made = result.dataPointer();
+    Require((made == nullptr) == ExpectsNullBuffer(signature, setup),
+            "a null result exactly where the operation gives one", signature.entry);
+    if (made == nullptr) {
+        return;
+    }
+    Require(made->Interface_GetCount() == 1, "a new result is held by the variant alone",
+            signature.entry);
+    for (auto const& buffer : setup.buffers) {
+        Require(made != buffer.get(), "the result is never an argument", signature.entry);
+    }
+}
+
+void CheckResult(minihost::Variant const& result, fuzz::Signature const& signature,
+                 unsigned int status, CallSetup const& setup) {
+    Require(result.assignments() == 1, "the result variant gets exactly one value",
+            signature.entry);
+    Require(result.type() == fuzz::TypeNumber(signature.result),
+            "the result has the entry's result type", signature.entry);
+    if (status != 0) {
+        CheckEmptyValue(result, signature);
+    } else {
+        CheckBoundValue(result, signature, setup);
+    }
+}
+
+void CheckArgumentsUntouched(CallSetup const& setup, std::string const& entry) {
+    for (std::size_t place = 0; place < setup.buffers.size(); ++place) {
+        IDataRef const* const buffer = setup.buffers[place].get();
+        if (buffer == nullptr) {
+            continue;
+        }
+        Require(BytesOf(*buffer) == setup.bufferBytes[place], "argument buffers keep their bytes",
+                entry);
+        Require(buffer->Interface_GetCount() == setup.bufferCounts[place],
+                "argument buffers keep their counts", entry);
+    }
+}
+
+struct Reports {
+    int count = 0;
+    bool wellFormed = true;
+};
+
+// One call, set up, made and checked; everything it made is released on return.
+void RunOneCall(FuzzedDataProvider& input) {
+    Surface& surface = TheSurface();
+    std::size_t const which =
+        input.ConsumeIntegralInRange<std::size_t>(0, surface.signatures.size() - 1);
+    fuzz::Signature const& signature = surface.signatures[which];
+    int const count = input.ConsumeIntegralInRange(-2, kMaxArguments);
+    bool const interrupted = input.ConsumeBool();
+    bool const withResult = input.ConsumeBool();
+    bool const resultHeldBuffer = input.ConsumeBool();
+
+    CallSetup setup;
+    FillArguments(input, setup, count);
+    minihost::Variant result = resultHeldBuffer ? minihost::Variant::DataRef(HostBuffer("old", true, 0))
+                                                : minihost::Variant::String("an earlier value");
+    Reports reports;
+    minihost::Context context{AutoRefPtr<Tavrel::IPolicy>(new FuzzPolicy())};
+    context.SetErrorHandler([&reports](minihost::ErrorReport const& report) {
+        ++reports.count;
+        reports.wellFormed = reports.wellFormed && report.severity == 2 && report.module == "Binary";
+    });
+    if (interrupted) {
+        context.Interrupt();
+    }
+    for (auto const& buffer : setup.buffers) {
+        setup.bufferCounts.push_back(buffer ? buffer->Interface_GetCount() : 0);
+    }
+
+    unsigned int const status =
+        surface.entries[which](count, setup.pointers.data(), withResult ? &result : nullptr,
+                               surface.module->Info(), &context);
+
+    Require(status == fuzz::PredictStatus(signature, count, setup.shapes),
+            "the status word follows the binding rules", signature.entry);
+    int const expectedReports = status == 0 && ExpectsReport(signature, setup, interrupted);
+    Require(reports.count == expectedReports, "one report exactly for a bad value",
+            signature.entry);
+    Require(reports.wellFormed, "reports have severity 2 and the module's name", signature.entry);
+    if (withResult) {
+        CheckResult(result, signature, status, setup);
+    } else {
+        Require(result.assignments() == 0, "no result variant, nothing stored", signature.entry);
+    }
+    CheckArgumentsUntouched(setup, signature.entry);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
+    LoadSurface();
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    long const hostBuffers = minihost::LiveToken::Count();
+    long const userObjects = UserObject::Live();
+    FuzzedDataProvider input(data, size);
+    RunOneCall(input);
+    Require(minihost::LiveToken::Count() == hostBuffers, "every host buffer is released",
+            "the call");
+    Require(UserObject::Live() == userObjects, "every user object is released", "the call");
+    return 0;
+}
