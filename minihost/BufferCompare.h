@@ -11,8 +11,8 @@
 namespace minihost {
 
 // Reads up to count own bytes at offset into destination; gives how many it delivered.
-using ReadOwnBytes = std::function<unsigned long long(
-    char* destination, unsigned long long count, unsigned long long offset)>;
+using ReadOwnBytes = std::function<unsigned long long(char* destination, unsigned long long count,
+                                                      unsigned long long offset)>;
 
 // True when other holds exactly the size bytes that readOwn delivers.
 //   other null                         => false

@@ -9,7 +9,9 @@ namespace minihost {
 namespace {
 
 // A text from the module, or "" for null.
-std::string TextOrEmpty(char const* text) { return text != nullptr ? std::string(text) : std::string(); }
+std::string TextOrEmpty(char const* text) {
+    return text != nullptr ? std::string(text) : std::string();
+}
 
 // The given policy, or a new FilePolicy when none is given.
 Tavrel::AutoRefPtr<Tavrel::IPolicy> PolicyOrDefault(Tavrel::AutoRefPtr<Tavrel::IPolicy> policy) {

@@ -37,7 +37,8 @@ public:
     // Same size and same bytes, both sides read in blocks; null => false; a short read
     // on either side => false.
     bool Interface_IsEqual(Tavrel::IDataRef* other) const override;
-    // A new MemoryBuffer holding the bytes read now (fewer if the file shrank).
+    // A new MemoryBuffer holding the bytes read now (fewer if the file shrank). A file larger
+    // than memory cannot be cloned: the allocation fails with std::bad_alloc.
     Tavrel::IDataRef* Interface_Clone() const override;
     // NOTE: always null, also after Assign: a file buffer never exposes its bytes, so
     // readers always take the Read path with it.

@@ -1,8 +1,9 @@
 #include "minihost/FilePolicy.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
+
+#include <sys/stat.h>
 
 #include "minihost/FileBuffer.h"
 
@@ -37,8 +38,7 @@ Tavrel::IDataRef* AdoptIntoBuffer(int fd, unsigned long long size) {
 
 }  // namespace
 
-Tavrel::IDataRef* FilePolicy::Interface_LoadData(Tavrel::IContext* /*context*/,
-                                                 char const* path) {
+Tavrel::IDataRef* FilePolicy::Interface_LoadData(Tavrel::IContext* /*context*/, char const* path) {
     mLoadCalls.fetch_add(1);
     if (path == nullptr || !Allows(path)) {
         return nullptr;

@@ -12,8 +12,6 @@ std::atomic<long> gLiveTokens{0};
 
 LiveToken::LiveToken() noexcept { gLiveTokens.fetch_add(1); }
 
-LiveToken::LiveToken(LiveToken const&) noexcept { gLiveTokens.fetch_add(1); }
-
 LiveToken::~LiveToken() { gLiveTokens.fetch_sub(1); }
 
 long LiveToken::Count() noexcept { return gLiveTokens.load(); }

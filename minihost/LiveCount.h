@@ -1,7 +1,7 @@
 // LiveToken: a member that counts the host buffers alive in this process, so tests can
-// check that every buffer was destroyed exactly once. Constructing a token (also by copy)
-// adds one to a process-wide atomic count; destroying it subtracts one. It says nothing
-// about which objects are alive, and does not count the module's own Data buffers.
+// check that every buffer was destroyed exactly once. Constructing a token adds one to a
+// process-wide atomic count; destroying it subtracts one. It says nothing about which
+// objects are alive, and does not count the module's own Data buffers.
 #pragma once
 
 namespace minihost {
@@ -9,8 +9,8 @@ namespace minihost {
 class LiveToken {
 public:
     LiveToken() noexcept;
-    LiveToken(LiveToken const&) noexcept;
-    LiveToken& operator=(LiveToken const&) noexcept { return *this; }
+    LiveToken(LiveToken const&) = delete;
+    LiveToken& operator=(LiveToken const&) = delete;
     ~LiveToken();
 
     // How many tokens exist now. No buffer alive => 0.

@@ -61,7 +61,9 @@ bool MemoryBuffer::Interface_IsEqual(Tavrel::IDataRef* other) const {
     return EqualContent(mBytes.size(), readOwn, other);
 }
 
-Tavrel::IDataRef* MemoryBuffer::Interface_Clone() const { return new MemoryBuffer(mBytes, mOptions); }
+Tavrel::IDataRef* MemoryBuffer::Interface_Clone() const {
+    return new MemoryBuffer(mBytes, mOptions);
+}
 
 char const* MemoryBuffer::Interface_GetData() const {
     mGetDataCalls.fetch_add(1);

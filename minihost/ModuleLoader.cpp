@@ -42,8 +42,8 @@ std::string PathForDlopen(std::string const& path) {
 
 // "module '<path>' lacks N of the 28 names: a, b".
 std::string LacksNames(std::string const& path, std::vector<std::string_view> const& missing) {
-    std::string text = "module '" + path + "' lacks " + std::to_string(missing.size()) +
-                       " of the 28 names: ";
+    std::string text =
+        "module '" + path + "' lacks " + std::to_string(missing.size()) + " of the 28 names: ";
     for (std::size_t i = 0; i < missing.size(); ++i) {
         text += (i == 0 ? "" : ", ");
         text += missing[i];

@@ -54,9 +54,7 @@ Variant Variant::UserDefined(unsigned int typeNumber,
     return variant;
 }
 
-double Variant::number() const {
-    return mType == Tavrel::VariantType::kNumber ? mNumber : 0.0;
-}
+double Variant::number() const { return mType == Tavrel::VariantType::kNumber ? mNumber : 0.0; }
 
 Tavrel::IDataRef* Variant::Interface_GetData() const { return WithAddedReference(mData); }
 
