@@ -1,0 +1,64 @@
+#include <unistd.h>
+
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/stat.h>
+
+#include "minihost/FilePolicy.h"
+#include "minihost/MemoryBuffer.h"
+#include "tests/minihost/TempDir.h"
+
+namespace minihost {
+namespace {
+
+using Tavrel::AutoRefPtr;
+using Tavrel::IDataRef;
+
+// A sandbox-like policy that refuses every path.
+class RefuseAll final : public FilePolicy {
+protected:
+    bool Allows(char const*) const override { return false; }
+};
+
+TEST(FilePolicy, GivesABufferForARegularFileOnlyAndNeverBlocks) {
+    testing::TempDir dir;
+    std::string const fifo = dir.Path("fifo");
+    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    std::string const unreadable = dir.Write("unreadable", "secret");
+    ::chmod(unreadable.c_str(), 0);
+    std::string const full = dir.Write("full", "abc");
+    std::string const fileAsDirectory = full + "/";
+    std::string const empty = dir.Write("empty", "");
+    long const null = -1;
+    struct Row {
+        char const* name;
+        char const* path;
+        long expectedSize;
+    } const rows[] = {
+        {"null path", nullptr, null},
+        {"empty path", "", null},
+        {"missing", "/no/such/file", null},
+        {"regular file with a trailing slash", fileAsDirectory.c_str(), null},
+        {"root", "/", null},
+        {"directory", dir.Root().c_str(), null},
+        {"fifo without a writer", fifo.c_str(), null},
+        {"character device", "/dev/null", null},
+        {"unreadable (root reads it)", unreadable.c_str(), ::geteuid() == 0 ? 6 : null},
+        {"empty file", empty.c_str(), 0},
+        {"file", full.c_str(), 3},
+    };
+    AutoRefPtr<FilePolicy> policy(new FilePolicy());
+    long const liveBefore = MemoryBuffer::LiveCount();
+    ::alarm(5);  // a load that blocks ends the program
+    for (Row const& row : rows) {
+        SCOPED_TRACE(row.name);
+        AutoRefPtr<IDataRef> buffer(policy->Interface_LoadData(nullptr, row.path));
+        EXPECT_EQ(buffer ? static_cast<long>(buffer->GetSize()) : null, row.expectedSize);
+    }
+    ::alarm(0);
+    EXPECT_EQ(MemoryBuffer::LiveCount(), liveBefore);
+    EXPECT_FALSE(AutoRefPtr<FilePolicy>(new RefuseAll())->LoadData(nullptr, full.c_str()));
+}
+
+}  // namespace
+}  // namespace minihost
