@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+#include <memory>
+#include <sstream>
+#include <string>
+
+#include "minihost/FilePolicy.h"
+#include "minihost/Interpreter.h"
+#include "minihost/ModuleSetup.h"
+
+namespace minihost {
+namespace {
+
+// A policy that plays a Ctrl-C arriving while the host looks for the file: it sets the
+// context's interruption flag and finds nothing.
+class InterruptingPolicy final : public FilePolicy {
+public:
+    Tavrel::IDataRef* Interface_LoadData(Tavrel::IContext* context, char const* /*path*/) override {
+        static_cast<Context*>(context)->Interrupt();
+        return nullptr;
+    }
+};
+
+// The built module with a context and an interpreter whose streams the test reads.
+class Session {
+public:
+    explicit Session(Tavrel::AutoRefPtr<Tavrel::IPolicy> policy = {},
+                     InterpreterSettings settings = {})
+        : mContext(std::move(policy)) {
+        std::string error;
+        if (!OpenModule(TAVREL_MODULE_PATH, mReady, error)) {
+            throw std::runtime_error(error);
+        }
+        mInterpreter = std::make_unique<Interpreter>(*mReady.module, mReady.table, mContext, mOut,
+                                                     mErr, settings);
+    }
+    ~Session() { mInterpreter.reset(); }
+
+    // Runs source; gives "<status>|<output>|<errors>" and empties the streams.
+    std::string Run(std::string const& source) {
+        int const status = static_cast<int>(mInterpreter->Run(source, "t"));
+        std::string const text = std::to_string(status) + "|" + mOut.str() + "|" + mErr.str();
+        mOut.str("");
+        mErr.str("");
+        return text;
+    }
+
+private:
+    ReadyModule mReady;
+    Context mContext;
+    std::ostringstream mOut;
+    std::ostringstream mErr;
+    std::unique_ptr<Interpreter> mInterpreter;
+};
+
+TEST(Interpreter, AnInterruptedRunStopsAfterTheStatementWithoutAReport) {
+    Session session(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new InterruptingPolicy()));
+    EXPECT_EQ(session.Run("print \"a\"\nprint Binary.MapFile(\"f\")\nprint \"never\""),
+              "1|\"a\"\nnull\n|t:2:1: interrupted\n");
+}
+
+TEST(Interpreter, VariablesLastAcrossRunsButAFaultyRunDefinesNothing) {
+    Session session;
+    struct Row {
+        std::string source;
+        std::string result;
+    };
+    // Each row runs in the same session, in order.
+    Row const rows[] = {
+        {"x = ToDataRef(\"ab\")", "0||"},
+        {"print Size(x)", "0|2\n|"},
+        {"y = x\nprint z", "2||t:2:7: unknown variable 'z'\n"},
+        {"print y", "2||t:1:7: unknown variable 'y'\n"},
+        // A failed binding stops the run, but what ran before it stays done.
+        {"y = x\nSize(\"s\")\nz = 1",
+         "2||t:2:1: binding failed for Size (DATAREF): argument 1: "
+         "wrong argument (status 65538)\n"},
+        {"print y", "0|DATAREF(2) \"ab\"\n|"},
+        {"print z", "2||t:1:7: unknown variable 'z'\n"},
+        {"Size(y)", "0||"},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(session.Run(row.source), row.result) << "row " << row.source;
+    }
+}
+
+TEST(Interpreter, StrictStopsAtTheFirstReportAndEchoShowsExpressions) {
+    Session strict({}, InterpreterSettings{true, false});
+    EXPECT_EQ(strict.Run("Size(Binary.MapFile(\"nope\"))\nprint 1"),
+              "1||t:1:6: report from Binary: Error.System.Access: Given File : 'nope' does not "
+              "exist.\n");
+    Session echo({}, InterpreterSettings{false, true});
+    EXPECT_EQ(echo.Run("ToDataRef(\"a\", 0, 1); 2; x = 3"), "0|DATAREF(1) \"a\"\n2\n|");
+}
+
+}  // namespace
+}  // namespace minihost
