@@ -1,0 +1,88 @@
+#include "tests/hardening/CountingAllocator.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <new>
+
+namespace allocfail {
+
+namespace {
+
+std::atomic<long> gCalls{0};
+std::atomic<long> gLive{0};
+std::atomic<long> gFailAt{0};  // the call number that fails; 0: none
+std::atomic<bool> gFired{false};
+
+#ifndef TAVREL_SANITIZED
+// The one allocation routine behind every form of operator new.
+void* Allocate(std::size_t size) {
+    long const call = gCalls.fetch_add(1) + 1;
+    long armed = call;
+    if (gFailAt.compare_exchange_strong(armed, 0)) {
+        gFired.store(true);
+        throw std::bad_alloc();
+    }
+    void* const block = std::malloc(size == 0 ? 1 : size);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    gLive.fetch_add(1);
+    return block;
+}
+
+void Free(void* block) noexcept {
+    if (block != nullptr) {
+        gLive.fetch_sub(1);
+        std::free(block);
+    }
+}
+
+// The nothrow forms fail with null where the others throw.
+void* AllocateOrNull(std::size_t size) noexcept {
+    try {
+        return Allocate(size);
+    } catch (std::bad_alloc const&) {
+        return nullptr;
+    }
+}
+#endif
+
+}  // namespace
+
+#ifdef TAVREL_SANITIZED
+bool Active() { return false; }
+#else
+bool Active() { return true; }
+#endif
+
+long LiveBlocks() { return gLive.load(); }
+
+long Calls() { return gCalls.load(); }
+
+void FailNth(long n) {
+    gFired.store(false);
+    gFailAt.store(gCalls.load() + n);
+}
+
+void Disarm() { gFailAt.store(0); }
+
+bool Fired() { return gFired.load(); }
+
+}  // namespace allocfail
+
+#ifndef TAVREL_SANITIZED
+void* operator new(std::size_t size) { return allocfail::Allocate(size); }
+void* operator new[](std::size_t size) { return allocfail::Allocate(size); }
+void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
+    return allocfail::AllocateOrNull(size);
+}
+void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
+    return allocfail::AllocateOrNull(size);
+}
+void operator delete(void* block) noexcept { allocfail::Free(block); }
+void operator delete[](void* block) noexcept { allocfail::Free(block); }
+void operator delete(void* block, std::size_t) noexcept { allocfail::Free(block); }
+void operator delete[](void* block, std::size_t) noexcept { allocfail::Free(block); }
+void operator delete(void* block, std::nothrow_t const&) noexcept { allocfail::Free(block); }
+void operator delete[](void* block, std::nothrow_t const&) noexcept { allocfail::Free(block); }
+#endif
