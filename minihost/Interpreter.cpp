@@ -137,6 +137,7 @@ Signature const& Interpreter::Resolve(Call const& call, std::vector<Variant> con
     std::vector<Signature const*> const candidates =
         mTable.Candidates(call.name, arguments.size(), error);
     std::vector<std::string_view> words;
+    words.reserve(arguments.size());
     for (Variant const& argument : arguments) {
         words.push_back(TypeWord(argument.type()));
     }

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <iostream>
 #include <memory>
 #include <readline/history.h>
 #include <readline/readline.h>
@@ -72,7 +73,8 @@ int RunPrompt(Interpreter& interpreter, Context& context) {
         }
         interpreter.Run(line, "stdin", lineNumber++);
     }
-    std::fputs("\n", stdout);
+    // End the prompt's line, so the shell's prompt starts on a fresh one.
+    std::cout << std::endl;
     gPromptContext = nullptr;
     return 0;
 }

@@ -12,6 +12,7 @@ namespace {
 // "Name (A,B)" for each signature, to compare whole parses in one line.
 std::vector<std::string> Shown(std::vector<Signature> const& signatures) {
     std::vector<std::string> shown;
+    shown.reserve(signatures.size());
     for (Signature const& signature : signatures) {
         shown.push_back(signature.kind + " " + signature.result + " " + FormatSignature(signature) +
                         " : " + signature.entry);

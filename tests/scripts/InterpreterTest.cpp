@@ -38,7 +38,7 @@ public:
     // Runs source; gives "<status>|<output>|<errors>" and empties the streams.
     std::string Run(std::string const& source) {
         int const status = static_cast<int>(mInterpreter->Run(source, "t"));
-        std::string const text = std::to_string(status) + "|" + mOut.str() + "|" + mErr.str();
+        std::string text = std::to_string(status) + "|" + mOut.str() + "|" + mErr.str();
         mOut.str("");
         mErr.str("");
         return text;
