@@ -39,14 +39,16 @@ struct Inputs {
     unsigned long start = 0;
 };
 
-// A path text: each input byte picks a separator, a dot or a letter; a few stay raw.
+// A path text: separators, dots and a few letters stay; every other byte becomes one of
+// them, except the highest bytes, which stay raw.
 std::string PathText(FuzzedDataProvider& input) {
     constexpr std::string_view kAlphabet = "//\\..aAb";
-    std::string const raw = input.ConsumeRandomLengthString(kMaxPath);
-    std::string text;
-    for (char c : raw) {
+    std::string text = input.ConsumeRandomLengthString(kMaxPath);
+    for (char& c : text) {
         auto const byte = static_cast<unsigned char>(c);
-        text += byte >= 0xF0 ? c : kAlphabet[byte % kAlphabet.size()];
+        if (byte < 0xF0 && kAlphabet.find(c) == std::string_view::npos) {
+            c = kAlphabet[byte % kAlphabet.size()];
+        }
     }
     return text;
 }
