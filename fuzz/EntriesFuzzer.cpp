@@ -10,11 +10,10 @@
 //    result variant alone, and every host buffer and user object is gone once the values of
 //    the call are.
 // A broken rule aborts with a message, which libFuzzer records as a crash.
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <atomic>
 #include <cmath>
 #include <cstdint>
+#include <fuzzer/FuzzedDataProvider.h>
 #include <limits>
 #include <memory>
 #include <string>
@@ -102,8 +101,8 @@ struct EntryTraits {
 };
 
 EntryTraits TraitsOf(std::string_view entry) {
-    bool const fromString = entry == "tavrel_module_ToDataRef" ||
-                            entry == "tavrel_module_BinarySetFromString";
+    bool const fromString =
+        entry == "tavrel_module_ToDataRef" || entry == "tavrel_module_BinarySetFromString";
     bool const isMapFile = entry == "tavrel_module_BinaryMapFile";
     bool const isCopy =
         entry == "tavrel_module_BinaryCopy" || entry == "tavrel_module_BinaryCopyPart";
@@ -178,8 +177,8 @@ struct CallSetup {
     std::vector<minihost::Variant> values;
     std::vector<Tavrel::IVariant*> pointers;  // the arguments array, count places
     std::vector<fuzz::ArgumentShape> shapes;
-    std::vector<double> numbers;              // per place, NUMBER values only
-    std::vector<std::string> strings;         // per place, STRING values only
+    std::vector<double> numbers;       // per place, NUMBER values only
+    std::vector<std::string> strings;  // per place, STRING values only
     std::vector<AutoRefPtr<IDataRef>> buffers;
     std::vector<std::string> bufferBytes;
     std::vector<int> bufferCounts;
@@ -241,9 +240,9 @@ void AddArgument(FuzzedDataProvider& input, CallSetup& setup) {
             buffer = HostBuffer(bytes, input.ConsumeBool(), input.ConsumeIntegralInRange(1, 7));
             break;
         case ArgumentKind::kUserObject:
-            value = minihost::Variant::UserDefined(input.ConsumeIntegralInRange(21u, 400u),
-                                                   AutoRefPtr<Tavrel::IUserDefinedType>(
-                                                       new UserObject()));
+            value = minihost::Variant::UserDefined(
+                input.ConsumeIntegralInRange(21u, 400u),
+                AutoRefPtr<Tavrel::IUserDefinedType>(new UserObject()));
             break;
         case ArgumentKind::kUserWithoutObject:
             value = minihost::Variant::UserDefined(input.ConsumeIntegralInRange(21u, 400u), {});
@@ -252,8 +251,8 @@ void AddArgument(FuzzedDataProvider& input, CallSetup& setup) {
             value = minihost::Variant::UserDefined(input.ConsumeIntegralInRange(0u, 20u), {});
             break;
         case ArgumentKind::kSameAsEarlier: {
-            std::size_t const earlier = input.ConsumeIntegralInRange<std::size_t>(
-                0, setup.values.size() - 1);
+            std::size_t const earlier =
+                input.ConsumeIntegralInRange<std::size_t>(0, setup.values.size() - 1);
             value = setup.values[earlier];
             shape = setup.shapes[earlier];
             number = setup.numbers[earlier];
@@ -397,13 +396,15 @@ void RunOneCall(FuzzedDataProvider& input) {
 
     CallSetup setup;
     FillArguments(input, setup, count);
-    minihost::Variant result = resultHeldBuffer ? minihost::Variant::DataRef(HostBuffer("old", true, 0))
-                                                : minihost::Variant::String("an earlier value");
+    minihost::Variant result = resultHeldBuffer
+                                   ? minihost::Variant::DataRef(HostBuffer("old", true, 0))
+                                   : minihost::Variant::String("an earlier value");
     Reports reports;
     minihost::Context context{AutoRefPtr<Tavrel::IPolicy>(new FuzzPolicy())};
     context.SetErrorHandler([&reports](minihost::ErrorReport const& report) {
         ++reports.count;
-        reports.wellFormed = reports.wellFormed && report.severity == 2 && report.module == "Binary";
+        reports.wellFormed =
+            reports.wellFormed && report.severity == 2 && report.module == "Binary";
     });
     if (interrupted) {
         context.Interrupt();

@@ -4,10 +4,9 @@
 // ".." or repeated separator, IsEqual ignores the kind of separator, Strip leaves a suffix of
 // the old text, a failed Replace or Erase changes nothing.
 // The texts are mostly separators, dots and a few letters, so that paths have structure.
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <algorithm>
 #include <cstdint>
+#include <fuzzer/FuzzedDataProvider.h>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -119,8 +118,7 @@ void CheckConstruction(Inputs const& in) {
     Require(stored.GetPathStr(FSPath::kAnyPathSep) == in.a, "any kind converts nothing",
             "GetPathStr");
     std::string const windows = ref::ReplaceAll(in.a, '/', '\\');
-    Require(stored.GetPathStr(FSPath::kWindowsPathSep) == windows &&
-                stored.GetPathStr() == windows,
+    Require(stored.GetPathStr(FSPath::kWindowsPathSep) == windows && stored.GetPathStr() == windows,
             "the conversion stays", "GetPathStr");
     std::ostringstream stream;
     stream << Stored(in.b);
@@ -134,10 +132,10 @@ void CheckSeparators(Inputs const& in) {
     bool const startsWith = !in.a.empty() && separators.find(in.a.front()) != std::string::npos;
     Require(path.EndsWithPathSep(in.type) == endsWith, "last byte", "EndsWithPathSep");
     Require(path.StartsWithPathSep(in.type) == startsWith, "first byte", "StartsWithPathSep");
-    Require(path.FindFirstPathSep(in.type) == ref::FirstSeparator(in.a, separators),
-            "slash first", "FindFirstPathSep");
-    Require(path.FindLastPathSep(in.type) == ref::LastSeparator(in.a, separators),
-            "slash first", "FindLastPathSep");
+    Require(path.FindFirstPathSep(in.type) == ref::FirstSeparator(in.a, separators), "slash first",
+            "FindFirstPathSep");
+    Require(path.FindLastPathSep(in.type) == ref::LastSeparator(in.a, separators), "slash first",
+            "FindLastPathSep");
     Require(path.IsDirPath() == (!in.a.empty() && ref::IsSeparator(in.a.back())) &&
                 path.IsFilePath() == !path.IsDirPath(),
             "ends in a separator", "IsDirPath");
@@ -257,8 +255,8 @@ void CheckAbsolute(Inputs const& in) {
     path = Stored(in.a);
     Require(path.SimplifyPath().GetPathStr() == ref::Simplified(in.a), "erase loop",
             "SimplifyPath");
-    bool const traversal = in.a.find("../") != std::string::npos ||
-                           in.a.find("..\\") != std::string::npos;
+    bool const traversal =
+        in.a.find("../") != std::string::npos || in.a.find("..\\") != std::string::npos;
     Require(Stored(in.a).ContainsTraversal() == traversal, "dot-dot-separator",
             "ContainsTraversal");
 }
@@ -299,9 +297,9 @@ void CheckLeafAndRoot(Inputs const& in) {
     Require(object.ExtractAndEraseLeaf(out) == erased.found && out == erased.leaf, "as text",
             "ExtractAndEraseLeaf");
     object = path;
-    Require(object.ExtractAndEraseLeaf(object) == erased.found &&
-                object.GetPathStr() == erased.leaf,
-            "into itself", "ExtractAndEraseLeaf");
+    Require(
+        object.ExtractAndEraseLeaf(object) == erased.found && object.GetPathStr() == erased.leaf,
+        "into itself", "ExtractAndEraseLeaf");
 
     object = path;
     std::string const& kept = erased.object;  // ends in the separator in front of the leaf
@@ -344,10 +342,9 @@ void CheckExtension(Inputs const& in) {
 }
 
 bool BytesBefore(std::string_view a, std::string_view b) {
-    return std::lexicographical_compare(
-        a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-            return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
-        });
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return static_cast<unsigned char>(x) < static_cast<unsigned char>(y);
+    });
 }
 
 void CheckEquality(Inputs const& in) {
@@ -387,19 +384,17 @@ void CheckPrefixes(Inputs const& in) {
             "StartsWith");
     for (bool const strict : {false, true}) {
         bool const expected = ref::StartsWithPath(ta, tb, strict);
-        Require(a.StartsWithPath(b, strict) == expected, "ends at a separator",
-                "StartsWithPath");
+        Require(a.StartsWithPath(b, strict) == expected, "ends at a separator", "StartsWithPath");
         Require(!expected || a.StartsWith(b), "implies StartsWith", "StartsWithPath");
-        Require(a.StartsWithPath(in.b, strict) ==
-                    ref::StartsWithPath(ta, ref::Slashed(in.b), strict),
-                "text", "StartsWithPath");
+        Require(
+            a.StartsWithPath(in.b, strict) == ref::StartsWithPath(ta, ref::Slashed(in.b), strict),
+            "text", "StartsWithPath");
         Require(a.StartsWithPath(a, strict), "itself", "StartsWithPath");
     }
     for (bool const ignore : {false, true}) {
         Require(a.EndsWith(in.b, ignore) == ref::EndsWithPath(ta, in.b, ignore), "text",
                 "EndsWith");
-        Require(a.EndsWith(b, ignore) == ref::EndsWithPath(ta, tb, ignore) &&
-                    a.EndsWith(a, ignore),
+        Require(a.EndsWith(b, ignore) == ref::EndsWithPath(ta, tb, ignore) && a.EndsWith(a, ignore),
                 "path", "EndsWith");
     }
 }
@@ -411,10 +406,10 @@ void CheckStrip(Inputs const& in) {
     for (bool const strict : {false, true}) {
         for (bool const isPath : {false, true}) {
             FSPath path = original;
-            bool const matches = isPath ? path.StartsWithPath(other, strict)
-                                        : path.StartsWith(other);
-            bool const done = isPath ? path.StripPath(other, in.flag1, strict)
-                                     : path.Strip(other, in.flag1);
+            bool const matches =
+                isPath ? path.StartsWithPath(other, strict) : path.StartsWith(other);
+            bool const done =
+                isPath ? path.StripPath(other, in.flag1, strict) : path.Strip(other, in.flag1);
             std::string expected = matches ? before.substr(other.Length()) : before;
             if (matches && in.flag1) {
                 expected = ref::WithoutStartSeparators(expected, ref::kAnySeparator);
@@ -435,8 +430,8 @@ void CheckStrip(Inputs const& in) {
 void CheckSubDirectories(Inputs const& in) {
     FSPath path = Made(in.a, in.rawA);
     FSPath const sub = Made(in.b, in.rawB);
-    unsigned long const expected = ref::SubDirectoryPlace(path.GetPathStr(), sub.GetPathStr(),
-                                                          in.start);
+    unsigned long const expected =
+        ref::SubDirectoryPlace(path.GetPathStr(), sub.GetPathStr(), in.start);
     Require(path.FindSubDir(sub, in.start) == expected &&
                 path.ContainsSubDir(sub, in.start) == (expected != Tavrel::npos),
             "whole components", "FindSubDir");

@@ -169,8 +169,8 @@ std::optional<std::string> Root(std::string_view text) {
 }
 
 std::string ComparedForm(std::string_view text, bool ignoreEndSeparators, bool caseSensitive) {
-    std::string form = ignoreEndSeparators ? WithoutEndSeparators(text, kAnySeparator)
-                                           : std::string(text);
+    std::string form =
+        ignoreEndSeparators ? WithoutEndSeparators(text, kAnySeparator) : std::string(text);
     form = Slashed(form);
     return caseSensitive ? form : Upper(form);
 }
@@ -202,8 +202,7 @@ bool EndsWithPath(std::string_view path, std::string_view text, bool ignoreEndSe
     return EndsWithUpToNul(mine, theirs);
 }
 
-unsigned long SubDirectoryPlace(std::string_view path, std::string_view sub,
-                                unsigned long start) {
+unsigned long SubDirectoryPlace(std::string_view path, std::string_view sub, unsigned long start) {
     if (start >= path.size()) {
         return kNoPlace;
     }

@@ -251,7 +251,8 @@ std::string NonPrintEscaped(std::string_view text) {
             continue;
         }
         char form[5];
-        std::snprintf(form, sizeof form, "\\x%02x", static_cast<unsigned>(static_cast<unsigned char>(c)));
+        std::snprintf(form, sizeof form, "\\x%02x",
+                      static_cast<unsigned>(static_cast<unsigned char>(c)));
         out += form;
     }
     return out;

@@ -3,9 +3,8 @@
 // StringReferences. Besides agreeing with the references, escaping must round-trip, the
 // in-place and output forms must agree, out-parameters must be cleared or left alone as
 // their contracts say, and nothing may touch memory it was not given (the sanitizers watch).
-#include <fuzzer/FuzzedDataProvider.h>
-
 #include <cstdint>
+#include <fuzzer/FuzzedDataProvider.h>
 #include <list>
 #include <optional>
 #include <string>
@@ -87,9 +86,9 @@ void CheckFindCaseInsensitive(Inputs const& in) {
     Require(Tavrel::FindCaseInsensitive(text, in.first, in.other) ==
                 ref::FoldFind(text, in.first, lastOfText, in.other),
             "first match from first", "FindCaseInsensitive");
-    Require(Tavrel::FindCaseInsensitive(text, in.other) ==
-                ref::FoldFind(text, 0, lastOfText, in.other),
-            "first match", "FindCaseInsensitive");
+    Require(
+        Tavrel::FindCaseInsensitive(text, in.other) == ref::FoldFind(text, 0, lastOfText, in.other),
+        "first match", "FindCaseInsensitive");
 }
 
 void CheckReplaceAll(Inputs const& in) {
@@ -99,8 +98,8 @@ void CheckReplaceAll(Inputs const& in) {
 
     text = in.text;
     Tavrel::ReplaceAll(text, in.from.c_str(), in.to.c_str());
-    Require(text == ref::ReplaceAll(in.text, in.from.c_str(), in.to.c_str()),
-            "NUL-terminated form", "ReplaceAll");
+    Require(text == ref::ReplaceAll(in.text, in.from.c_str(), in.to.c_str()), "NUL-terminated form",
+            "ReplaceAll");
 
     text = in.text;
     Tavrel::ReplaceAll(text, static_cast<char const*>(nullptr), in.to.c_str());
@@ -154,8 +153,8 @@ void CheckValidUtf8(std::string_view text) {
 
 // A byte test with an optional failing index against its reference.
 template <class Library>
-void CheckByteTest(std::string_view text, Library library,
-                   std::optional<unsigned long> expected, char const* where) {
+void CheckByteTest(std::string_view text, Library library, std::optional<unsigned long> expected,
+                   char const* where) {
     unsigned long position = 12345;
     bool const valid = library(text, &position);
     Require(valid == !expected.has_value(), "verdict", where);
@@ -165,11 +164,16 @@ void CheckByteTest(std::string_view text, Library library,
 
 void CheckValidation(Inputs const& in) {
     CheckValidUtf8(in.text);
-    CheckByteTest(in.text, [](std::string_view const& t, unsigned long* p) { return Tavrel::ValidASCII(t, p); },
-                  ref::FirstNonAscii(in.text), "ValidASCII");
-    CheckByteTest(in.text,
-                  [](std::string_view const& t, unsigned long* p) { return Tavrel::ValidPrintableASCII(t, p); },
-                  ref::FirstNonPrintableAscii(in.text), "ValidPrintableASCII");
+    CheckByteTest(
+        in.text,
+        [](std::string_view const& t, unsigned long* p) { return Tavrel::ValidASCII(t, p); },
+        ref::FirstNonAscii(in.text), "ValidASCII");
+    CheckByteTest(
+        in.text,
+        [](std::string_view const& t, unsigned long* p) {
+            return Tavrel::ValidPrintableASCII(t, p);
+        },
+        ref::FirstNonPrintableAscii(in.text), "ValidPrintableASCII");
 }
 
 void CheckEscaping(Inputs const& in) {
@@ -261,8 +265,7 @@ void CheckSplit(Inputs const& in) {
         return;  // a whole-text delimiter must not be empty
     }
     Tavrel::SplitString(in.text, pieces, in.from, false);
-    Require(pieces == ref::Split(in.text, in.from, false), "the whole text splits",
-            "SplitString");
+    Require(pieces == ref::Split(in.text, in.from, false), "the whole text splits", "SplitString");
 }
 
 }  // namespace

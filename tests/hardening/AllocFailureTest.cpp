@@ -5,11 +5,11 @@
 // held, every buffer keeps its count, as many host buffers are alive as before, and no file
 // descriptor stays open.
 #include <dirent.h>
-#include <gtest/gtest.h>
 
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <new>
 #include <set>
 #include <string>
@@ -38,9 +38,7 @@ long gCasesRun = 0;
 // Prints how many failing calls ran, once all tests are done.
 class CaseCount : public testing::Environment {
 public:
-    void TearDown() override {
-        std::printf("allocation-failure cases run: %ld\n", gCasesRun);
-    }
+    void TearDown() override { std::printf("allocation-failure cases run: %ld\n", gCasesRun); }
 };
 [[maybe_unused]] testing::Environment* const kCaseCount =
     testing::AddGlobalTestEnvironment(new CaseCount);
@@ -241,8 +239,8 @@ TEST_F(AllocFailure, TheModuleAllocatesThroughTheTestsOperatorNew) {
 TEST_F(AllocFailure, EveryAllocationOfEveryEntryFailsCleanly) {
     Variant const module = Variant::DataRef(ModuleBuffer(kBytes));
     Variant const host = Variant::DataRef(AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(kBytes)));
-    Variant const hidden = Variant::DataRef(
-        AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(kBytes, {false, 7})));
+    Variant const hidden =
+        Variant::DataRef(AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(kBytes, {false, 7})));
     Variant const missing = Variant::DataRef(AutoRefPtr<IDataRef>());
     Variant const text = Variant::String(kBytes);
     Variant const file = Variant::String(FileWith(kBytes));

@@ -6,11 +6,10 @@
 // (its last Release said so, and no host buffer is left alive), and every call gave the
 // status word and the number of reports that it gives on one thread. Under ThreadSanitizer
 // any unordered access on the way is a failure as well.
-#include <gtest/gtest.h>
-
 #include <array>
 #include <atomic>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <string>
 #include <thread>
 #include <vector>
@@ -46,14 +45,15 @@ public:
     SharedWorld() {
         mModule = ModuleBuffer(std::string(200, 'm'));
         mHost = AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(std::string(200, 'h')));
-        mHidden = AutoRefPtr<IDataRef>(
-            new minihost::MemoryBuffer(std::string(200, 'c'), {false, 7}));
+        mHidden =
+            AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(std::string(200, 'c'), {false, 7}));
         std::string const path = testing::TempDir() + "thread_stress_mapped_file";
         std::ofstream(path) << "the bytes of a mapped file";
-        mValues = {Variant::DataRef(mModule), Variant::DataRef(mHost), Variant::DataRef(mHidden),
-                   Variant::DataRef(AutoRefPtr<IDataRef>()), Variant::Number(3),
-                   Variant::Number(500), Variant::Number(-1), Variant::String("some text"),
-                   Variant::String(path), Variant::String(path + ".missing")};
+        mValues = {Variant::DataRef(mModule), Variant::DataRef(mHost),
+                   Variant::DataRef(mHidden), Variant::DataRef(AutoRefPtr<IDataRef>()),
+                   Variant::Number(3),        Variant::Number(500),
+                   Variant::Number(-1),       Variant::String("some text"),
+                   Variant::String(path),     Variant::String(path + ".missing")};
     }
 
     // Every entry once with good arguments, and a few with arguments that it reports.
