@@ -69,8 +69,8 @@ void Unescape(std::string& text, char special, char escape) {
 void RemoveNonPrint(std::string_view const& text, std::string& out, bool replace,
                     std::string_view const& replacement) {
     // The replacement may look into out as well; it is then held apart like the text.
-    std::string const held = replace && LooksInto(replacement, out) ? std::string(replacement)
-                                                                    : std::string();
+    std::string const held =
+        replace && LooksInto(replacement, out) ? std::string(replacement) : std::string();
     std::string_view const stand = held.empty() ? replacement : std::string_view(held);
     FillDetached(text, out, [&](std::string_view const& from, std::string& to) {
         for (char const c : from) {
@@ -118,9 +118,8 @@ void EscapeNonPrint(std::string_view const& text, std::string& out) {
 }
 
 void EscapeNonPrint(std::string& text) {
-    FillInPlace(text, [](std::string_view const& from, std::string& to) {
-        EscapeNonPrint(from, to);
-    });
+    FillInPlace(text,
+                [](std::string_view const& from, std::string& to) { EscapeNonPrint(from, to); });
 }
 
 }  // namespace Tavrel

@@ -49,9 +49,8 @@ bool MatchesAt(char const* at, std::string_view const& needle, Fold const& fold)
 
 // Tries every start from begin to lastStart (inclusive) in order: the plain procedure.
 template <class Fold>
-unsigned long ScanEachStart(std::string_view const& text, std::size_t begin,
-                            std::size_t lastStart, std::string_view const& needle,
-                            Fold const& fold) {
+unsigned long ScanEachStart(std::string_view const& text, std::size_t begin, std::size_t lastStart,
+                            std::string_view const& needle, Fold const& fold) {
     auto const head = fold(needle[0]);
     for (std::size_t p = begin; p <= lastStart; ++p) {
         if (fold(text[p]) == head && MatchesAt(text.data() + p, needle, fold)) {
@@ -98,10 +97,9 @@ __m128i EqualsEither(char const* at, __m128i first, __m128i second) {
 // Filters 16 starts at a time on the needle's first and last byte (both variants of each),
 // then verifies the candidates in order with the table. Starts too near the end for a full
 // block are tried one by one.
-unsigned long ScanWithSse2(std::string_view const& text, std::size_t begin,
-                           std::size_t lastStart, std::string_view const& needle,
-                           FoldTable const& fold, FoldVariants const& head,
-                           FoldVariants const& tail) {
+unsigned long ScanWithSse2(std::string_view const& text, std::size_t begin, std::size_t lastStart,
+                           std::string_view const& needle, FoldTable const& fold,
+                           FoldVariants const& head, FoldVariants const& tail) {
     auto const lane = [](unsigned char b) { return _mm_set1_epi8(static_cast<char>(b)); };
     __m128i const head0 = lane(head.bytes[0]), head1 = lane(head.bytes[1]);
     __m128i const tail0 = lane(tail.bytes[0]), tail1 = lane(tail.bytes[1]);
@@ -126,8 +124,8 @@ unsigned long ScanWithSse2(std::string_view const& text, std::size_t begin,
 
 // Searches the starts begin..lastStart with a table; the needle's first and last bytes
 // filter candidates in blocks when at most two bytes fold onto each of them.
-unsigned long ScanWithTable(std::string_view const& text, std::size_t begin,
-                            std::size_t lastStart, std::string_view const& needle) {
+unsigned long ScanWithTable(std::string_view const& text, std::size_t begin, std::size_t lastStart,
+                            std::string_view const& needle) {
     FoldTable const fold;
 #ifdef TAVREL_SEARCH_SSE2
     FoldVariants const head = VariantsOf(fold, needle.front());

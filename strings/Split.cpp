@@ -45,10 +45,10 @@ template <class Container>
 typename Container::size_type SplitString(std::string const& text, Container& out,
                                           std::string const& delimiters, bool anyOf) {
     // NOTE: text or delimiters may be an element of out; clearing out would destroy it, so it
-    // is copied first.
+    // is copied first (the copies are what keeps the bytes alive, hence the NOLINTs).
     if (IsElementOf(text, out) || IsElementOf(delimiters, out)) {
-        std::string const textCopy(text);
-        std::string const delimitersCopy(delimiters);
+        std::string const textCopy(text);              // NOLINT(performance-unnecessary-copy-*)
+        std::string const delimitersCopy(delimiters);  // NOLINT(performance-unnecessary-copy-*)
         out.clear();
         SplitInto(textCopy, out, delimitersCopy, anyOf);
         return out.size();

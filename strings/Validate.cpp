@@ -84,11 +84,10 @@ std::size_t AsciiRun(char const* bytes, std::size_t size) {
 std::size_t PrintableRun(char const* bytes, std::size_t size) {
     std::size_t i = 0;
     for (; size - i >= 64; i += 64) {
-        __m128i const all =
-            _mm_and_si128(_mm_and_si128(PrintableLanes(Load(bytes + i)),
-                                        PrintableLanes(Load(bytes + i + 16))),
-                          _mm_and_si128(PrintableLanes(Load(bytes + i + 32)),
-                                        PrintableLanes(Load(bytes + i + 48))));
+        __m128i const all = _mm_and_si128(
+            _mm_and_si128(PrintableLanes(Load(bytes + i)), PrintableLanes(Load(bytes + i + 16))),
+            _mm_and_si128(PrintableLanes(Load(bytes + i + 32)),
+                          PrintableLanes(Load(bytes + i + 48))));
         if (Mask(all) != 0xFFFF) {
             break;
         }
@@ -167,8 +166,8 @@ bool FindFaultFrom(char const* bytes, std::size_t size, std::size_t from, Utf8Fa
             fault = {i, 0};
             return true;
         }
-        bool const complete = length <= size - i &&
-                              std::all_of(bytes + i + 1, bytes + i + length, IsContinuation);
+        bool const complete =
+            length <= size - i && std::all_of(bytes + i + 1, bytes + i + length, IsContinuation);
         if (!complete) {
             fault = {i, length};
             return true;
@@ -187,26 +186,33 @@ struct Block64 {
     explicit Block64(char const* at)
         : lanes{Load(at), Load(at + 16), Load(at + 32), Load(at + 48)} {}
 
+    // One bit per byte from the top bit of each byte of test(lane), written out for the four
+    // lanes so that they stay in registers.
+    template <class Test>
+    std::uint64_t Bits(Test const& test) const {
+        return std::uint64_t{Mask(test(lanes[0]))} | std::uint64_t{Mask(test(lanes[1]))} << 16 |
+               std::uint64_t{Mask(test(lanes[2]))} << 32 |
+               std::uint64_t{Mask(test(lanes[3]))} << 48;
+    }
     // The bytes that are greater than bound as signed bytes.
     std::uint64_t Above(char bound) const {
         __m128i const b = _mm_set1_epi8(bound);
-        std::uint64_t bits = 0;
-        for (int k = 0; k < 4; ++k) {
-            bits |= std::uint64_t{Mask(_mm_cmpgt_epi8(lanes[k], b))} << (16 * k);
-        }
-        return bits;
-    }
-    bool AllAscii() const {
-        __m128i const any = _mm_or_si128(_mm_or_si128(lanes[0], lanes[1]),
-                                         _mm_or_si128(lanes[2], lanes[3]));
-        return Mask(any) == 0;
+        return Bits([b](__m128i lane) { return _mm_cmpgt_epi8(lane, b); });
     }
     std::uint64_t High() const {
-        std::uint64_t bits = 0;
-        for (int k = 0; k < 4; ++k) {
-            bits |= std::uint64_t{Mask(lanes[k])} << (16 * k);
-        }
-        return bits;
+        return Bits([](__m128i lane) { return lane; });
+    }
+    bool AllAscii() const {
+        __m128i const any =
+            _mm_or_si128(_mm_or_si128(lanes[0], lanes[1]), _mm_or_si128(lanes[2], lanes[3]));
+        return Mask(any) == 0;
+    }
+    // Whether any byte is 0xF8 or above: the largest byte, less 0xF7 with saturation, is not 0.
+    bool AnyFromF8() const {
+        __m128i const largest =
+            _mm_max_epu8(_mm_max_epu8(lanes[0], lanes[1]), _mm_max_epu8(lanes[2], lanes[3]));
+        __m128i const excess = _mm_subs_epu8(largest, _mm_set1_epi8(static_cast<char>(0xF7)));
+        return Mask(_mm_cmpeq_epi8(excess, _mm_setzero_si128())) != 0xFFFF;
     }
 };
 
@@ -220,15 +226,14 @@ bool BlockIsValid(char const* at, std::uint64_t& carry) {
         return true;
     }
     std::uint64_t const high = block.High();
-    // As signed bytes: 0xC0 is -64, 0xE0 is -32, 0xF0 is -16, 0xF8 is -8.
+    // As signed bytes: 0xC0 is -64, 0xE0 is -32, 0xF0 is -16.
     std::uint64_t const lead2 = block.Above(-65) & high;
     std::uint64_t const lead3 = block.Above(-33) & high;
     std::uint64_t const lead4 = block.Above(-17) & high;
-    std::uint64_t const invalid = block.Above(-9) & high;
     std::uint64_t const needed = (lead2 << 1) | (lead3 << 2) | (lead4 << 3) | carry;
     std::uint64_t const continuation = high & ~lead2;
     carry = (lead2 >> 63) | (lead3 >> 62) | (lead4 >> 61);
-    return invalid == 0 && needed == continuation;
+    return needed == continuation && !block.AnyFromF8();
 }
 
 // The start of the sequence that is open at index at, given that the text before it is valid.
@@ -273,8 +278,8 @@ void ReportFault(std::string_view const& text, Utf8Fault const& fault, std::stri
     std::string_view const before = text.substr(0, fault.lead);
     std::size_t const lastFeed = before.rfind('\n');
     std::size_t const lineStart = lastFeed == std::string_view::npos ? 0 : lastFeed + 1;
-    std::size_t const line = 1 + static_cast<std::size_t>(std::count(before.begin(),
-                                                                     before.end(), '\n'));
+    std::size_t const line =
+        1 + static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
     // A faulty sequence is reported at the place behind it, not at the byte at fault.
     std::size_t const place = fault.lead - lineStart + 1 + fault.length;
     message = "Sign: " + std::to_string(place) + " in column: " + std::to_string(line) +

@@ -1,8 +1,7 @@
-#include "strings/Case.h"
-
 #include <gtest/gtest.h>
-
 #include <string>
+
+#include "strings/Case.h"
 
 namespace Tavrel {
 namespace {
@@ -24,6 +23,7 @@ TEST(Case, CamelCaseTable) {
     struct Row {
         std::string text, expected;
     };
+    // clang-format off
     Row const rows[] = {
         {"", ""},                       {"a", "A"},
         {"-", "-"},                     {"hello", "Hello"},
@@ -38,6 +38,7 @@ TEST(Case, CamelCaseTable) {
         {" foo", " foo"},               {"a\xC3\xA9" "b", "AB"},
         {"\xC3\xA9" "a", "\xC3" "A"},
     };
+    // clang-format on
     for (Row const& row : rows) {
         std::string text = row.text;
         ToCamelCase(text);

@@ -1,6 +1,6 @@
-#include "strings/Compare.h"
-
 #include <gtest/gtest.h>
+
+#include "strings/Compare.h"
 
 namespace Tavrel {
 namespace {
@@ -12,6 +12,7 @@ TEST(Compare, TextForms) {
         std::string_view text, other;
         bool starts, ends, startsCi, endsCi, equalsCi;
     };
+    // clang-format off
     Row const rows[] = {
         {"abc", "abc", true, true, true, true, true},
         {"abc", "bc", false, true, false, true, false},
@@ -27,6 +28,7 @@ TEST(Compare, TextForms) {
         {"a\0b"sv, "A\0B"sv, false, false, true, true, true},
         {"\xC3\xA9", "\xC3\x89", false, false, false, false, false},
     };
+    // clang-format on
     for (Row const& row : rows) {
         SCOPED_TRACE(testing::Message() << "row " << row.text << " / " << row.other);
         EXPECT_EQ(StartsWith(row.text, row.other), row.starts);
@@ -43,10 +45,12 @@ TEST(Compare, CharForms) {
         char c;
         bool starts, ends;
     };
+    // clang-format off
     Row const rows[] = {
         {"", '\0', false, false}, {"\0a"sv, '\0', true, false}, {"/a/", '/', true, true},
         {"ab", 'b', false, true}, {"a", 'a', true, true},
     };
+    // clang-format on
     for (Row const& row : rows) {
         EXPECT_EQ(StartsWith(row.text, row.c), row.starts) << "row " << row.text;
         EXPECT_EQ(EndsWith(row.text, row.c), row.ends) << "row " << row.text;

@@ -1,9 +1,7 @@
-#include "strings/Escape.h"
-
 #include <gtest/gtest.h>
-
 #include <string>
 
+#include "strings/Escape.h"
 #include "tests/strings/RandomText.h"
 
 namespace Tavrel {
@@ -15,10 +13,12 @@ TEST(Escape, RoundTripTable) {
     struct Row {
         std::string text, escaped;
     };
+    // clang-format off
     Row const rows[] = {
         {"", ""}, {"a;b", "a\\;b"}, {"a\\b", "a\\\\b"}, {";", "\\;"}, {"\\", "\\\\"},
         {"\\;", "\\\\\\;"},
     };
+    // clang-format on
     for (Row const& row : rows) {
         std::string text = row.text;
         Escape(text, ';', '\\');
@@ -37,11 +37,13 @@ TEST(Unescape, IsPlainReplacement) {
     struct Row {
         std::string text, expected;
     };
+    // clang-format off
     Row const rows[] = {
         {"\\", "\\"},       {"abc\\", "abc\\"}, {"\\x", "\\x"},  {"\\\\", "\\"},
         {"\\\\\\", "\\\\"}, {";", ";"},         {"\\\\;", ";"},  {"\\\\\\;", "\\;"},
         {"a\\\\\\\\;b", "a\\;b"},
     };
+    // clang-format on
     for (Row const& row : rows) {
         std::string text = row.text;
         Unescape(text, ';', '\\');
@@ -59,8 +61,8 @@ TEST(Escape, UnescapeUndoesEscapeForEveryPair) {
                 std::string text = original;
                 Escape(text, special, escape);
                 Unescape(text, special, escape);
-                ASSERT_EQ(text, original) << "special " << int(special) << " escape "
-                                          << int(escape) << " round " << round;
+                ASSERT_EQ(text, original) << "special " << int(special) << " escape " << int(escape)
+                                          << " round " << round;
             }
         }
     }
@@ -70,6 +72,7 @@ TEST(NonPrint, Table) {
     struct Row {
         std::string bytes, escaped, dropped, replaced, withChar;
     };
+    // clang-format off
     Row const rows[] = {
         {"a\tb", "a\\x09b", "ab", "a[]b", "a?b"},
         {"a\0b"s, "a\\x00b", "ab", "a[]b", "a?b"},
@@ -80,6 +83,7 @@ TEST(NonPrint, Table) {
         {" ", " ", " ", " ", " "},
         {"", "", "", "", ""},
     };
+    // clang-format on
     for (Row const& row : rows) {
         SCOPED_TRACE(testing::Message() << "row " << testing::PrintToString(row.bytes));
         std::string out = "old";
@@ -92,15 +96,11 @@ TEST(NonPrint, Table) {
         RemoveNonPrint(row.bytes, out, '?');
         EXPECT_EQ(out, row.withChar);
 
-        std::string text = row.bytes;
-        EscapeNonPrint(text);
-        EXPECT_EQ(text, row.escaped);
-        text = row.bytes;
-        RemoveNonPrint(text, true, "[]");
-        EXPECT_EQ(text, row.replaced);
-        text = row.bytes;
-        RemoveNonPrint(text, '?');
-        EXPECT_EQ(text, row.withChar);
+        std::string text[3] = {row.bytes, row.bytes, row.bytes};
+        EscapeNonPrint(text[0]);
+        RemoveNonPrint(text[1], true, "[]");
+        RemoveNonPrint(text[2], '?');
+        EXPECT_EQ(text[0] + text[1] + text[2], row.escaped + row.replaced + row.withChar);
     }
 }
 

@@ -1,9 +1,7 @@
-#include "strings/Replace.h"
-
 #include <gtest/gtest.h>
-
 #include <string>
 
+#include "strings/Replace.h"
 #include "tests/strings/RandomText.h"
 
 namespace Tavrel {
@@ -11,16 +9,27 @@ namespace {
 
 using namespace std::string_literals;
 
+std::string Repeat(std::string_view piece, int times) {
+    std::string text;
+    for (int k = 0; k < times; ++k) {
+        text += piece;
+    }
+    return text;
+}
+
 TEST(ReplaceAll, StringTable) {
     struct Row {
         std::string text, from, to, expected;
     };
+    // clang-format off
     Row const rows[] = {
         {"aaa", "a", "aa", "aaaaaa"}, {"aaaa", "aa", "b", "bb"},   {"abab", "ab", "", ""},
         {"aXbXc", "X", "--", "a--b--c"}, {"abc", "", "x", "abc"},  {"", "a", "b", ""},
         {"aaa", "aa", "xyz", "xyza"}, {"a\0b\0"s, "\0"s, "/", "a/b/"}, {"abc", "abcd", "", "abc"},
         {"xabcx", "abc", "ABC", "xABCx"},
+        {std::string(5000, 'a'), "a", "bc", Repeat("bc", 5000)},  // every byte an occurrence
     };
+    // clang-format on
     for (Row const& row : rows) {
         std::string text = row.text;
         ReplaceAll(text, row.from, row.to);

@@ -1,10 +1,8 @@
-#include "strings/Search.h"
-
-#include <gtest/gtest.h>
-
 #include <cctype>
+#include <gtest/gtest.h>
 #include <string>
 
+#include "strings/Search.h"
 #include "tests/strings/RandomText.h"
 
 namespace Tavrel {
@@ -19,12 +17,14 @@ TEST(StrnStr, Table) {
         char const* needle;
         long expected;  // index of the match, -1 for null
     };
+    // clang-format off
     Row const rows[] = {
         {"abcabc", 6, "ca", 2},   {"abcabc", 4, "ca", 2},   {"abcabc", 3, "ca", -1},
         {"aab", 3, "ab", 1},      {"abc", 3, "", 0},        {"abc", 0, "", -1},
         {"abc", 3, "abcd", -1},   {"a\0bc"sv, 4, "bc", 2},  {"abc", 3, nullptr, -1},
         {"xyz", 3, "z", 2},
     };
+    // clang-format on
     for (Row const& row : rows) {
         char const* found = StrnStr(row.text.data(), row.size, row.needle);
         long const at = found == nullptr ? -1 : found - row.text.data();
@@ -39,12 +39,14 @@ TEST(FindCaseInsensitive, HelloWorldRanges) {
         std::string_view needle;
         unsigned long expected;
     };
+    // clang-format off
     Row const rows[] = {
         {0, 10, "WORLD", 6}, {0, 9, "WORLD", npos}, {6, 10, "world", 6}, {7, 10, "world", npos},
         {0, 11, "world", 6}, {0, 12, "world", npos}, {4, 3, "o", npos},   {4, 4, "O", 4},
         {5, 7, "o", 7},      {10, 10, "D", 10},      {11, 11, "d", npos}, {0, 10, "", npos},
         {npos, npos, "d", npos},
     };
+    // clang-format on
     std::string_view const text = "Hello World";
     for (Row const& row : rows) {
         EXPECT_EQ(FindCaseInsensitive(text, row.first, row.last, row.needle), row.expected)

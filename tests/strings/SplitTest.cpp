@@ -1,9 +1,8 @@
-#include "strings/Split.h"
-
 #include <gtest/gtest.h>
-
 #include <list>
 #include <string>
+
+#include "strings/Split.h"
 
 namespace Tavrel {
 namespace {
@@ -16,6 +15,7 @@ TEST(SplitString, Table) {
         bool anyOf;
         Parts expected;
     };
+    // clang-format off
     Row const rows[] = {
         {"/a/b/", "/\\", true, {"", "a", "b", ""}},
         {"/", "/\\", true, {"", ""}},
@@ -28,6 +28,7 @@ TEST(SplitString, Table) {
         {"a/b", "", false, {"a/b"}},
         {"a/b", "", true, {"a/b"}},
     };
+    // clang-format on
     for (Row const& row : rows) {
         Parts out = {"old"};
         EXPECT_EQ(SplitString(row.text, out, row.delimiters, row.anyOf), row.expected.size())
