@@ -11,6 +11,10 @@ namespace {
 constexpr std::string_view kPrint = "print";
 constexpr std::string_view kCall = "call";
 
+// NOTE: the parser, the checker and the interpreter all recurse into arguments, so a deeper
+// nesting would let a hostile script exhaust the stack.
+constexpr int kMaxNesting = 256;
+
 bool IsReserved(std::string_view name) { return name == kPrint || name == kCall; }
 
 class Parser {
@@ -130,6 +134,10 @@ private:
 
     // name "(" arguments ")", with the name token current.
     Call ParseCall(bool direct) {
+        if (mNesting == kMaxNesting) {
+            throw ScriptError(Current().position,
+                              "calls nested more than " + std::to_string(kMaxNesting) + " deep");
+        }
         Call call{Current().text, direct, {}};
         ++mIndex;
         Expect(TokenKind::kLeftParen, "'('");
@@ -139,7 +147,9 @@ private:
             return call;
         }
         while (true) {
+            ++mNesting;
             call.arguments.push_back(ParseExpression());
+            --mNesting;
             if (Current().kind == TokenKind::kRightParen) {
                 ++mIndex;
                 return call;
@@ -151,6 +161,7 @@ private:
 
     std::vector<Token> mTokens;
     std::size_t mIndex = 0;
+    int mNesting = 0;
 };
 
 }  // namespace

@@ -25,6 +25,7 @@ namespace minihost {
 //   "print = 1"      => "'print' is reserved"
 //   "x y"            => "expected end of line but found name 'y'"
 //   "call 5"         => "expected the name of an entry after 'call' but found number 5"
+//   257 nested calls => "calls nested more than 256 deep" (at the innermost call's name)
 // Accepted: "" and "# only a comment" => no statements; "x = 1; print x" => two statements.
 Program Parse(std::string_view source, int firstLine = 1);
 

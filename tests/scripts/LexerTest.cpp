@@ -72,6 +72,21 @@ TEST(Parse, MalformedScriptsGiveOneMessageWithLineAndColumn) {
     }
 }
 
+// n calls, each the argument of the one before.
+std::string Nested(int n) {
+    std::string source = "print ";
+    for (int i = 0; i < n; ++i) {
+        source += "F(";
+    }
+    return source + "1" + std::string(static_cast<std::size_t>(n), ')');
+}
+
+TEST(Parse, LimitsTheNestingOfCalls) {
+    EXPECT_EQ(ParseFault(Nested(256)), "");
+    EXPECT_EQ(ParseFault(Nested(257)), "1:519: calls nested more than 256 deep");
+    EXPECT_EQ(ParseFault(Nested(100000)), "1:519: calls nested more than 256 deep");
+}
+
 TEST(Tokenize, DecodesLiterals) {
     struct Row {
         std::string source;
