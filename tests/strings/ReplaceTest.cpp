@@ -3,6 +3,7 @@
 
 #include "strings/Replace.h"
 #include "tests/strings/RandomText.h"
+#include "tests/strings/References.h"
 
 namespace Tavrel {
 namespace {
@@ -68,18 +69,6 @@ TEST(ReplaceAll, CharNullAndAliasedForms) {
     EXPECT_EQ(self, "aab");
 }
 
-// The left-to-right procedure, literally: find, replace in place, go on behind the insertion.
-std::string NaiveReplace(std::string text, std::string const& from, std::string const& to) {
-    if (text.empty() || from.empty()) {
-        return text;
-    }
-    for (std::size_t at = text.find(from); at != std::string::npos;
-         at = text.find(from, at + to.size())) {
-        text.replace(at, from.size(), to);
-    }
-    return text;
-}
-
 TEST(ReplaceAll, AgreesWithPlainProcedure) {
     Testing::RandomText random(11);
     for (int round = 0; round < 4000; ++round) {
@@ -88,7 +77,7 @@ TEST(ReplaceAll, AgreesWithPlainProcedure) {
         std::string const to = random.From("abc", 4);
         std::string text = original;
         ReplaceAll(text, from, to);
-        ASSERT_EQ(text, NaiveReplace(original, from, to))
+        ASSERT_EQ(text, Testing::NaiveReplace(original, from, to))
             << "round " << round << " from " << from << " to " << to;
     }
 }

@@ -4,6 +4,7 @@
 
 #include "strings/Search.h"
 #include "tests/strings/RandomText.h"
+#include "tests/strings/References.h"
 
 namespace Tavrel {
 namespace {
@@ -61,27 +62,6 @@ TEST(FindCaseInsensitive, HelloWorldRanges) {
     EXPECT_EQ(FindCaseInsensitive("\xC3\xA9", "\xC3\x89"), npos);  // no fold above 0x7F
 }
 
-// The search as the plain procedure: every start in the range, every byte through tolower.
-unsigned long NaiveFind(std::string_view text, unsigned long first, unsigned long last,
-                        std::string_view needle) {
-    std::size_t const size = text.size();
-    if (needle.empty() || size == 0 || first > last || first > size || last > size) {
-        return npos;
-    }
-    std::size_t const end = last < size - 1 ? last + 1 : size;
-    auto const fold = [](char c) { return std::tolower(static_cast<unsigned char>(c)); };
-    for (std::size_t p = first; p + needle.size() <= end; ++p) {
-        std::size_t k = 0;
-        while (k < needle.size() && fold(text[p + k]) == fold(needle[k])) {
-            ++k;
-        }
-        if (k == needle.size()) {
-            return p;
-        }
-    }
-    return npos;
-}
-
 TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
     Testing::RandomText random(7);
     std::string_view const alphabet = "aAbB\0\xC3\xE9-"sv;
@@ -92,7 +72,7 @@ TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
         unsigned long const first = random.Below(text.size() + 2);
         unsigned long const last = round % 4 == 0 ? text.size() : random.Below(text.size() + 2);
         ASSERT_EQ(FindCaseInsensitive(text, first, last, needle),
-                  NaiveFind(text, first, last, needle))
+                  Testing::NaiveFind(text, first, last, needle))
             << "round " << round << " needle " << needle << " " << first << ".." << last;
     }
 }

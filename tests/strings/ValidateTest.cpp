@@ -4,6 +4,7 @@
 
 #include "strings/Validate.h"
 #include "tests/strings/RandomText.h"
+#include "tests/strings/References.h"
 
 namespace Tavrel {
 namespace {
@@ -73,43 +74,6 @@ TEST(ValidASCII, Tables) {
     }
 }
 
-// The walk exactly as described: count of the line, line number, one sequence at a time.
-bool ReferenceUTF8(std::string_view text, std::string& message, unsigned long& position) {
-    unsigned long line = 1, count = 0;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        unsigned char const b = static_cast<unsigned char>(text[i]);
-        std::size_t const length = b < 0x80   ? 1
-                                   : b < 0xC0 ? 0
-                                   : b < 0xE0 ? 2
-                                   : b < 0xF0 ? 3
-                                   : b < 0xF8 ? 4
-                                              : 0;
-        bool failed = length == 0;
-        if (length == 1) {
-            ++count;
-            if (b == '\n') {
-                ++line;
-                count = 0;
-            }
-        } else if (length > 1) {
-            std::size_t const lead = i;
-            i += length - 1;
-            count += length;
-            failed = i >= text.size();
-            for (std::size_t k = lead + 1; !failed && k <= i; ++k) {
-                failed = (static_cast<unsigned char>(text[k]) & 0xC0) != 0x80;
-            }
-        }
-        if (failed) {
-            message = "Sign: " + std::to_string(count + 1) + " in column: " + std::to_string(line) +
-                      " is not utf-8 conform.";
-            position = i;
-            return false;
-        }
-    }
-    return true;
-}
-
 // The index of the first byte outside low..high, or kUntouched.
 unsigned long FirstFailure(std::string_view text, unsigned low, unsigned high) {
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -157,7 +121,7 @@ TEST(Validate, AgreesWithReference) {
                      << "round " << round << " " << testing::PrintToString(text));
         std::string message, expectedMessage;
         unsigned long position = kUntouched, expectedPosition = kUntouched;
-        bool const expected = ReferenceUTF8(text, expectedMessage, expectedPosition);
+        bool const expected = Testing::ReferenceUTF8(text, expectedMessage, expectedPosition);
         ASSERT_EQ(ValidUTF8(text, message, &position), expected);
         ASSERT_EQ(message, expectedMessage);
         ASSERT_EQ(position, expectedPosition);
