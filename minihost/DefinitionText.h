@@ -26,11 +26,11 @@ struct Signature {
 //   ""                                   => true, no signature
 //   " CONST_FUNCTION NUMBER Size (DATAREF) : tavrel_module_BinarySize"
 //                                        => one signature
-//   "... Size () : e"                    => parameters empty
-//   "... Size (DATAREF) tavrel_..."      => false, "expected ':' at offset 36"
-//   "... Size (DATAREF"                  => false, "expected ')' at offset 38"
-//   "... Size (BYTES) : e"               => false, "unknown type word 'BYTES' at offset 29"
-//   a result word other than the three   => false, "unknown type word ..."
+//   " K STRING F () : e"                 => F with no parameters
+//   " K NUMBER F (DATAREF) e"            => false, "expected ':' at offset 22"
+//   " K NUMBER F (DATAREF"               => false, "expected ')' at offset 20"
+//   " K NUMBER F (BYTES) : e"            => false, "unknown type word 'BYTES' at offset 13"
+//   " K BYTES F (NUMBER) : e"            => false, "unknown type word 'BYTES' at offset 3"
 bool ParseDefinitionText(std::string_view text, std::vector<Signature>& out, std::string& error);
 
 // How a signature is shown: "Binary.Slice (DATAREF,NUMBER)";  no parameters => "Name ()".

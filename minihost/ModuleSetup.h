@@ -33,7 +33,7 @@ struct ReadyModule {
 // Loads the module at path and reads its definition text; false with error set:
 //   missing, not a shared object, lacking names => the loader's text
 //   a malformed definition text   => "module '<path>' has a malformed definition text:
-//                                     expected ')' at offset 38"
+//                                     expected ')' at offset 20" (ParseDefinitionText's text)
 //   an entry named but not exported => "module '<path>' does not export 'x', which its
 //                                      definition text names for F (A)"
 bool OpenModule(std::string const& path, ReadyModule& ready, std::string& error);

@@ -4,6 +4,8 @@
 # file exists; standard input is <case>.in when it exists, else empty. The program runs in the
 # cases directory, so messages name files as the case wrote them.
 #   cmake -DMINIHOST=<program> -DCASES=<dir> -DCASE=<name> -DWORK=<dir> -P RunScript.cmake
+# -DFAKE_PARTIAL=<path> and -DFAKE_FULL=<path> stand for @FAKE_PARTIAL@ and @FAKE_FULL@ in the
+# arguments, and the paths are written back as those names in what the program gave.
 # With -DUPDATE=ON it writes what the program gave into the expected files instead.
 foreach(required MINIHOST CASES CASE WORK)
   if(NOT DEFINED ${required})
@@ -17,6 +19,11 @@ if(EXISTS ${base}.args)
 else()
   set(arguments ${CASE}.tvl)
 endif()
+foreach(placeholder FAKE_PARTIAL FAKE_FULL)
+  if(DEFINED ${placeholder})
+    list(TRANSFORM arguments REPLACE "@${placeholder}@" "${${placeholder}}")
+  endif()
+endforeach()
 set(input /dev/null)
 if(EXISTS ${base}.in)
   set(input ${base}.in)
@@ -29,6 +36,12 @@ execute_process(COMMAND ${MINIHOST} ${arguments}
   ERROR_VARIABLE actual_err
   RESULT_VARIABLE actual_status)
 set(actual_status "${actual_status}\n")
+foreach(placeholder FAKE_PARTIAL FAKE_FULL)
+  if(DEFINED ${placeholder})
+    string(REPLACE "${${placeholder}}" "@${placeholder}@" actual_out "${actual_out}")
+    string(REPLACE "${${placeholder}}" "@${placeholder}@" actual_err "${actual_err}")
+  endif()
+endforeach()
 
 set(failed FALSE)
 foreach(stream out err status)
