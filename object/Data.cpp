@@ -3,6 +3,8 @@
 #include <cstring>
 #include <memory>
 
+#include "object/AppendFromRead.h"
+
 namespace Tavrel {
 
 namespace {
@@ -90,17 +92,30 @@ void Data::PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, uns
     if (count > available || offset > available - count) {
         return;
     }
-    std::string::size_type const old = mBytes.size();
-    mBytes.resize(old + count);
-    if (count != 0) {
-        // The destination is taken after the resize; bytes not delivered stay zero.
-        source->Read(mBytes.data() + old, count, offset);
+    AppendRead(*source.get(), count, offset);
+}
+
+void Data::AppendRead(IDataRef const& source, unsigned long long count, unsigned long long offset) {
+    // NOTE: the fast road lends the store out while the source reads; a Data appending from
+    // itself would read that lent-out store, so it takes the simple road.
+    if (&source == this) {
+        AppendFromReadByResize(mBytes, source, count, offset);
+        return;
     }
+    AppendFromRead(mBytes, source, count, offset);
 }
 
 void Data::PushBack(AutoRefPtr<IDataRef> const& source) {
     if (source) {
         PushBack(source, source->GetSize(), 0);
+    }
+}
+
+void Data::Reserve(unsigned long long size) {
+    // NOTE: a size the store can never hold is left to the appends, which then fail as they
+    // would have without the reserve.
+    if (size > mBytes.capacity() && size <= mBytes.max_size()) {
+        mBytes.reserve(size);
     }
 }
 

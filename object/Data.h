@@ -35,12 +35,21 @@ public:
     // Never null, not even when empty.
     char const* Interface_GetData() const override;
 
-    // Appends count bytes of source from offset. Does nothing when source is empty or
-    // offset + count runs past its end (no clipping: callers clip first). Bytes that
-    // source does not deliver stay zero.
+    // Appends count bytes of source from offset with one Read straight into the store.
+    // Does nothing when source is empty or offset + count runs past its end (no clipping:
+    // callers clip first); count 0 reads nothing. Bytes that source does not deliver are zero.
     void PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, unsigned long offset);
     // Appends all of source; does nothing when source is empty.
     void PushBack(AutoRefPtr<IDataRef> const& source);
+    // Appends count bytes with one source.Read(store end, count, offset), made straight into
+    // the store, with no range test of its own: what the Read does not deliver is zero.
+    //   "ab", source "xyz", 3 at 0 => "abxyz"     "ab", source "xyz", 3 at 2 => "abz\0\0"
+    //   count 0 => unchanged, source not read    source this same Data => as for any other
+    void AppendRead(IDataRef const& source, unsigned long long count, unsigned long long offset);
+    // Makes room for size bytes in all, so that appends up to that size move no byte that
+    // is already here. Changes neither the size nor the content. A size at or below the
+    // current capacity, or above what a std::string can hold, does nothing.
+    void Reserve(unsigned long long size);
 
     ~Data() override = default;
 
