@@ -26,6 +26,21 @@ bool ReportMissingArgument(AutoRefPtr<IDataRef> const& first, AutoRefPtr<IDataRe
     return false;
 }
 
+// Appends all of first, then all of second, to result, which is first given room for both
+// so that the bytes of first are not moved again when second comes in. Each source is asked
+// for its size twice and read once, as PushBack(source) does.
+void AppendWhole(Data& result, AutoRefPtr<IDataRef> const& first,
+                 AutoRefPtr<IDataRef> const& second) {
+    unsigned long long const firstSize = first->GetSize();
+    unsigned long long const secondSize = second->GetSize();
+    unsigned long long total = 0;
+    if (!__builtin_add_overflow(firstSize, secondSize, &total)) {
+        result.Reserve(total);
+    }
+    result.PushBack(first, firstSize, 0);
+    result.PushBack(second, secondSize, 0);
+}
+
 }  // namespace
 
 AutoRefPtr<IDataRef> BinaryAppend(AutoRefPtr<IDataRef> const& first,
@@ -34,8 +49,7 @@ AutoRefPtr<IDataRef> BinaryAppend(AutoRefPtr<IDataRef> const& first,
     if (ReportMissingArgument(first, second, context)) {
         return result;
     }
-    result->PushBack(first);
-    result->PushBack(second);
+    AppendWhole(*result.get(), first, second);
     return result;
 }
 

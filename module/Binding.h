@@ -25,6 +25,16 @@
 #include "object/AutoRefPtr.h"
 #include "object/IDataRef.h"
 
+// Folds a piece of the binding into the entry that uses it, so that an entry compiles to what a
+// hand-written one would be: the typed function called directly, no call per argument.
+// NOTE: the pieces are templates shared by several entries, which the compiler would otherwise
+// keep as calls of their own.
+#if defined(__GNUC__) || defined(__clang__)
+#define TAVREL_BINDING_INLINE __attribute__((always_inline)) inline
+#else
+#define TAVREL_BINDING_INLINE inline
+#endif
+
 namespace Tavrel {
 
 // The low 16 bits of a non-zero status word.
@@ -81,7 +91,8 @@ inline bool HasType(IVariant* variant, unsigned int type) {
 
 // DATAREF => the variant's buffer, moved in; a DATAREF that holds no buffer still succeeds.
 template <class T>
-std::enable_if_t<kIsDataRef<T>, bool> CheckAndConvert(IVariant* variant, T& holder) {
+TAVREL_BINDING_INLINE std::enable_if_t<kIsDataRef<T>, bool> CheckAndConvert(IVariant* variant,
+                                                                            T& holder) {
     if (!HasType(variant, VariantType::kDataRef)) {
         return false;
     }
@@ -91,7 +102,8 @@ std::enable_if_t<kIsDataRef<T>, bool> CheckAndConvert(IVariant* variant, T& hold
 
 // NUMBER => the number truncated toward zero (see NumberToIntegral).
 template <class T>
-std::enable_if_t<kIsIntegralNumber<T>, bool> CheckAndConvert(IVariant* variant, T& holder) {
+TAVREL_BINDING_INLINE std::enable_if_t<kIsIntegralNumber<T>, bool> CheckAndConvert(
+    IVariant* variant, T& holder) {
     if (!HasType(variant, VariantType::kNumber)) {
         return false;
     }
@@ -101,8 +113,8 @@ std::enable_if_t<kIsIntegralNumber<T>, bool> CheckAndConvert(IVariant* variant, 
 
 // STRING => a copy of all its bytes, NUL bytes included.
 template <class T>
-std::enable_if_t<std::is_same_v<T, std::string>, bool> CheckAndConvert(IVariant* variant,
-                                                                       T& holder) {
+TAVREL_BINDING_INLINE std::enable_if_t<std::is_same_v<T, std::string>, bool> CheckAndConvert(
+    IVariant* variant, T& holder) {
     if (!HasType(variant, VariantType::kString)) {
         return false;
     }
@@ -117,8 +129,8 @@ std::enable_if_t<std::is_same_v<T, std::string>, bool> CheckAndConvert(IVariant*
 
 // STRING => a view of the host's bytes; nothing is copied.
 template <class T>
-std::enable_if_t<std::is_same_v<T, std::string_view>, bool> CheckAndConvert(IVariant* variant,
-                                                                            T& holder) {
+TAVREL_BINDING_INLINE std::enable_if_t<std::is_same_v<T, std::string_view>, bool> CheckAndConvert(
+    IVariant* variant, T& holder) {
     if (!HasType(variant, VariantType::kString)) {
         return false;
     }
@@ -180,7 +192,7 @@ public:
 
     // Takes the next script argument into holder.
     template <class T>
-    void operator()(T& holder) {
+    TAVREL_BINDING_INLINE void operator()(T& holder) {
         static_assert(binding_detail::kIsDataRef<T> || std::is_same_v<T, long long> ||
                           std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>,
                       "A script argument binds only to AutoRefPtr<IDataRef>, long long, "
@@ -226,7 +238,7 @@ private:
 
 // Calls functor once on each holder, left to right.
 template <class F, class... H>
-void for_each_argument(F& functor, H&&... holders) {
+TAVREL_BINDING_INLINE void for_each_argument(F& functor, H&&... holders) {
     (functor(holders), ...);
 }
 
@@ -235,7 +247,7 @@ void for_each_argument(F& functor, H&&... holders) {
 template <class R>
 struct CPPNameFunctionForward {
     template <class F, class... H>
-    static void Call(IVariant* result, F const& function, H&... holders) {
+    TAVREL_BINDING_INLINE static void Call(IVariant* result, F const& function, H&... holders) {
         R const value = function(holders...);
         SetReturn<R>(result, value);
     }
@@ -251,7 +263,7 @@ public:
 
     // Returns the status word: 0 when the function ran.
     template <class F, class... H>
-    unsigned int operator()(F const& function, H&&... holders) {
+    TAVREL_BINDING_INLINE unsigned int operator()(F const& function, H&&... holders) {
         CPPNameParameterTransformer transformer(mContext, mInfo, mArguments, mCount);
         for_each_argument(transformer, holders...);
         if (transformer.Error() != 0) {
@@ -337,7 +349,7 @@ struct HolderPack;
 template <std::size_t... I, class... T>
 struct HolderPack<std::index_sequence<I...>, T...> : HolderSlot<I, T>... {
     template <class F>
-    unsigned int Apply(F&& functor) {
+    TAVREL_BINDING_INLINE unsigned int Apply(F&& functor) {
         return functor(static_cast<HolderSlot<I, T>&>(*this).value...);
     }
 };
@@ -347,8 +359,9 @@ struct HolderPack<std::index_sequence<I...>, T...> : HolderSlot<I, T>... {
 // The body of every exported entry: binds the arguments to function's parameters, calls it
 // and stores its result. Returns the status word.
 template <class R, class... P>
-unsigned int CallEntry(R (*function)(P...), int count, IVariant** arguments, IVariant* result,
-                       IModuleInfo* info, IContext* context) {
+TAVREL_BINDING_INLINE unsigned int CallEntry(R (*function)(P...), int count, IVariant** arguments,
+                                             IVariant* result, IModuleInfo* info,
+                                             IContext* context) {
     static_assert(binding_detail::CheckResult<R>() &&
                   (binding_detail::CheckParameter<P>() && ...));
     static_assert(binding_detail::ContextOnlyLast<P...>(),

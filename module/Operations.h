@@ -35,8 +35,8 @@ std::string BinaryToString(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data,
 std::string BinaryPartToString(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data,
                                long long offset, long long size, Tavrel::IContext* context);
 
-// Binary.Slice (DATAREF,NUMBER,NUMBER): a new buffer with size bytes from offset, copied
-// through a temporary block. Never null: empty reference or negative numbers => report,
+// Binary.Slice (DATAREF,NUMBER,NUMBER): a new buffer with size bytes from offset, read
+// straight into it; bytes a short Read leaves out are zero. Never null: empty reference or negative numbers => report,
 // empty buffer; offset >= size or size 0 => empty buffer.
 Tavrel::AutoRefPtr<Tavrel::IDataRef> BinarySlice(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data,
                                                  long long offset, long long size,

@@ -1,7 +1,4 @@
-#include <cassert>
-#include <cstring>
 #include <limits>
-#include <memory>
 
 #include "host/ErrorNames.h"
 #include "module/Operations.h"
@@ -23,21 +20,6 @@ long long DistanceToEnd(long long total, long long offset) {
         return std::numeric_limits<long long>::max();
     }
     return distance;
-}
-
-// Copies size bytes from offset into a temporary block, then into result.
-void CopyThroughBlock(IDataRef const& source, long long offset, long long size, Data& result) {
-    auto const n = static_cast<unsigned long long>(size);
-    std::unique_ptr<char[]> buffer(new char[n]);
-    assert(buffer);
-    unsigned long long const delivered =
-        source.Read(buffer.get(), n, static_cast<unsigned long long>(offset));
-    // NOTE: bytes a short read leaves out are zeroed rather than left as they were, so no
-    // stale heap content reaches a script.
-    if (delivered < n) {
-        std::memset(buffer.get() + delivered, 0, n - delivered);
-    }
-    result.Assign(buffer.get(), n);
 }
 
 }  // namespace
@@ -63,7 +45,12 @@ AutoRefPtr<IDataRef> BinarySlice(AutoRefPtr<IDataRef> const& data, long long off
     if (size > total - offset) {
         size = total - offset;
     }
-    CopyThroughBlock(*data.get(), offset, size, *result.get());
+    // NOTE: the range goes straight into the result with one Read, not through a temporary
+    // block: the bytes and the zeros where a short read leaves some out are the same, but a
+    // block copies every byte twice and, being a transient allocation as large as the slice,
+    // can make the C library's heap shrink and regrow on every call of a script loop.
+    result->AppendRead(*data.get(), static_cast<unsigned long long>(size),
+                       static_cast<unsigned long long>(offset));
     return result;
 }
 

@@ -3,6 +3,7 @@
 #include "host/ErrorNames.h"
 #include "module/Operations.h"
 #include "module/Reports.h"
+#include "object/AppendFromRead.h"
 
 using Tavrel::AutoRefPtr;
 using Tavrel::IContext;
@@ -36,8 +37,9 @@ std::string BinaryPartToString(AutoRefPtr<IDataRef> const& data, long long offse
         return result;
     }
     long long const n = size > total - offset ? total - offset : size;
-    result.resize(static_cast<std::string::size_type>(n));
-    data->Read(result.data(), static_cast<unsigned long>(n), static_cast<unsigned long long>(offset));
+    // One Read of the whole range straight into the result; what it leaves out is zero.
+    Tavrel::AppendFromRead(result, *data.get(), static_cast<unsigned long long>(n),
+                           static_cast<unsigned long long>(offset));
     return result;
 }
 
