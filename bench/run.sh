@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Builds the benchmark suite (preset bench: Release, -O2, build/bench), runs it and prints one
+# table: each figure of the module, its baseline measured in the same run, the ratio, the
+# target, and whether it is met. Exit status 0 when every target is met.
+#
+#   bench/run.sh            the full run: 7 repetitions, randomly interleaved, medians
+#   bench/run.sh --smoke    every benchmark once with a very short minimum time, only to show
+#                           that they build and run and give the bytes they should (for CI)
+#
+# Needs Debian's libbenchmark-dev and libabsl-dev (apt-get install libbenchmark-dev
+# libabsl-dev); the configure step names the package when one is missing.
+set -euo pipefail
+
+root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
+cd "$root"
+
+mode=full
+case "${1:-}" in
+  "") ;;
+  --smoke) mode=smoke ;;
+  *) echo "usage: bench/run.sh [--smoke]" >&2; exit 2 ;;
+esac
+
+for package in libbenchmark-dev libabsl-dev; do
+  if ! dpkg -s "$package" >/dev/null 2>&1; then
+    echo "bench/run.sh: $package is missing; install it with: apt-get install $package" >&2
+    exit 2
+  fi
+done
+
+cmake --preset bench >/dev/null
+cmake --build --preset bench
+
+out="build/bench/results.json"
+log="build/bench/run.log"
+# Runs the suite with the given options; its own console output goes to the log.
+run_suite() {
+  if ! build/bench/bench/tavrel_bench "$@" --benchmark_out="$out" \
+      --benchmark_out_format=json >"$log" 2>&1; then
+    cat "$log" >&2
+    exit 2
+  fi
+}
+
+if [[ $mode == smoke ]]; then
+  run_suite --benchmark_min_time=0.001
+  exec python3 bench/table.py --smoke "$out"
+fi
+
+run_suite --benchmark_repetitions=7 --benchmark_enable_random_interleaving=true \
+  --benchmark_report_aggregates_only=true
+echo "Machine: $(lscpu | sed -n 's/^Model name: *//p'), $(nproc) cores"
+exec python3 bench/table.py "$out"
