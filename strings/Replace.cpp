@@ -89,7 +89,8 @@ public:
     std::size_t Count(std::size_t pos) {
 #ifdef TAVREL_REPLACE_SSE2
         if (mFrom.size() == 1 || (mFrom.size() == 2 && mFrom[0] != mFrom[1])) {
-            return Next(pos) == kNotFound ? 0 : CountCandidates(pos);
+            bool const room = mText.size() >= mFrom.size() && pos <= LastStart();
+            return room ? CountCandidates(pos) : 0;
         }
 #endif
         std::size_t count = 0;
