@@ -10,7 +10,7 @@ namespace fuzz {
 
 // Prints "broken rule in <where>: <rule>" and aborts.
 [[noreturn]] inline void Fail(char const* rule, std::string const& where) {
-    std::fprintf(stderr, "broken rule in %s: %s\n", where.c_str(), rule);
+    (void)std::fprintf(stderr, "broken rule in %s: %s\n", where.c_str(), rule);
     std::abort();
 }
 

@@ -1,8 +1,9 @@
 #include "fuzz/StringReferences.h"
 
 #include <cctype>
-#include <cstdio>
 #include <cstring>
+#include <iomanip>
+#include <sstream>
 
 namespace fuzz::reference {
 
@@ -250,10 +251,10 @@ std::string NonPrintEscaped(std::string_view text) {
             out += c;
             continue;
         }
-        char form[5];
-        std::snprintf(form, sizeof form, "\\x%02x",
-                      static_cast<unsigned>(static_cast<unsigned char>(c)));
-        out += form;
+        std::ostringstream form;
+        form << "\\x" << std::hex << std::setw(2) << std::setfill('0')
+             << static_cast<unsigned>(static_cast<unsigned char>(c));
+        out += form.str();
     }
     return out;
 }

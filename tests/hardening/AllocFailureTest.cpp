@@ -215,7 +215,7 @@ AutoRefPtr<IDataRef> ModuleBuffer(std::string_view bytes) {
 }
 
 std::string FileWith(std::string_view bytes) {
-    std::string const path = testing::TempDir() + "alloc_failure_mapped_file";
+    std::string path = testing::TempDir() + "alloc_failure_mapped_file";
     std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<long>(bytes.size()));
     return path;
 }

@@ -12,7 +12,7 @@ minihost::LoadedModule& Binary() {
         std::string error;
         auto loaded = minihost::LoadedModule::Load(TAVREL_MODULE_PATH, error);
         if (!loaded) {
-            std::fprintf(stderr, "%s\n", error.c_str());
+            (void)std::fprintf(stderr, "%s\n", error.c_str());
             std::abort();
         }
         return loaded;
@@ -23,7 +23,7 @@ minihost::LoadedModule& Binary() {
 minihost::EntryFunction EntryOf(std::string_view name) {
     minihost::EntryFunction const entry = Binary().Entry("tavrel_module_" + std::string(name));
     if (entry == nullptr) {
-        std::fprintf(stderr, "no entry tavrel_module_%.*s\n", static_cast<int>(name.size()),
+        (void)std::fprintf(stderr, "no entry tavrel_module_%.*s\n", static_cast<int>(name.size()),
                      name.data());
         std::abort();
     }

@@ -194,6 +194,7 @@ TEST(ThreadStress, SharedBuffersAndEntriesOnSeveralThreads) {
             countsBefore.push_back(buffer->Interface_GetCount());
         }
         std::vector<std::thread> threads;
+        threads.reserve(kThreads);
         for (int t = 0; t < kThreads; ++t) {
             threads.emplace_back([&world, &tallies, t] { Work(world, t, tallies[t]); });
         }
