@@ -3,7 +3,7 @@
 # table: each figure of the module, its baseline measured in the same run, the ratio, the
 # target, and whether it is met. Exit status 0 when every target is met.
 #
-#   bench/run.sh            the full run: 7 repetitions, randomly interleaved, medians
+#   bench/run.sh            the full run: 9 repetitions, randomly interleaved, medians
 #   bench/run.sh --smoke    every benchmark once with a very short minimum time, only to show
 #                           that they build and run and give the bytes they should (for CI)
 #
@@ -47,7 +47,9 @@ if [[ $mode == smoke ]]; then
   exec python3 bench/table.py --smoke "$out"
 fi
 
-run_suite --benchmark_repetitions=7 --benchmark_enable_random_interleaving=true \
-  --benchmark_report_aggregates_only=true
+# NOTE: many short repetitions in random order spread each figure and its baseline over the
+# whole run, so that a burst of load elsewhere on the machine moves both alike.
+run_suite --benchmark_repetitions=9 --benchmark_min_time=0.25 \
+  --benchmark_enable_random_interleaving=true --benchmark_report_aggregates_only=true
 echo "Machine: $(lscpu | sed -n 's/^Model name: *//p'), $(nproc) cores"
 exec python3 bench/table.py "$out"
