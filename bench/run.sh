@@ -23,8 +23,13 @@ esac
 
 for package in libbenchmark-dev libabsl-dev; do
   if ! dpkg -s "$package" >/dev/null 2>&1; then
-    echo "bench/run.sh: $package is missing; install it with: apt-get install $package" >&2
-    exit 2
+    if [ "$(id -u)" = 0 ]; then
+      echo "bench/run.sh: installing Debian's $package" >&2
+      apt-get update -qq >/dev/null && apt-get install -y -qq "$package" >/dev/null
+    else
+      echo "bench/run.sh: $package is missing; install it with: apt-get install $package" >&2
+      exit 2
+    fi
   fi
 done
 
