@@ -32,7 +32,7 @@ constexpr int kRounds = 400;
 constexpr int kReferencesPerRound = 8;
 constexpr std::size_t kMailboxSlots = 8;
 
-struct CallSpec {
+struct CallPlan {
     char const* entry;
     std::vector<Variant*> arguments;
     int reports;
@@ -57,7 +57,7 @@ public:
     }
 
     // Every entry once with good arguments, and a few with arguments that it reports.
-    std::vector<CallSpec> Calls() {
+    std::vector<CallPlan> Calls() {
         auto& [module, host, hidden, missing, three, many, negative, text, file, noFile] = mValues;
         return {
             {"BinarySize", {&module}, 0},
@@ -148,17 +148,17 @@ void ChurnReferences(std::vector<AutoRefPtr<IDataRef>> const& shared, Tally& tal
 }
 
 // One call; a buffer in the result goes into the mailbox with the only reference to it.
-void CallAndHandOver(SharedWorld& world, CallSpec const& spec, std::size_t slot, Tally& tally) {
-    std::vector<Tavrel::IVariant*> arguments(spec.arguments.begin(), spec.arguments.end());
+void CallAndHandOver(SharedWorld& world, CallPlan const& plan, std::size_t slot, Tally& tally) {
+    std::vector<Tavrel::IVariant*> arguments(plan.arguments.begin(), plan.arguments.end());
     int reports = 0;
     minihost::Context context{world.Policy()};
     context.SetErrorHandler([&reports](minihost::ErrorReport const&) { ++reports; });
     Variant result;
     unsigned int const status =
-        hardening::EntryOf(spec.entry)(static_cast<int>(arguments.size()), arguments.data(),
+        hardening::EntryOf(plan.entry)(static_cast<int>(arguments.size()), arguments.data(),
                                        &result, hardening::Binary().Info(), &context);
     tally.wrongStatus += status != 0 ? 1 : 0;
-    tally.wrongReports += reports != spec.reports ? 1 : 0;
+    tally.wrongReports += reports != plan.reports ? 1 : 0;
     AutoRefPtr<IDataRef> made = result.data();
     result = Variant();
     if (!made) {
@@ -174,7 +174,7 @@ void CallAndHandOver(SharedWorld& world, CallSpec const& spec, std::size_t slot,
 }
 
 void Work(SharedWorld& world, int thread, Tally& tally) {
-    std::vector<CallSpec> const calls = world.Calls();  // shared variants, read only
+    std::vector<CallPlan> const calls = world.Calls();  // shared variants, read only
     std::vector<AutoRefPtr<IDataRef>> const shared = world.Buffers();
     for (int round = 0; round < kRounds; ++round) {
         ChurnReferences(shared, tally);
