@@ -8,18 +8,9 @@ using Tavrel::Data;
 using Tavrel::IContext;
 using Tavrel::IDataRef;
 
-namespace {
-
-void ReportNoData(IContext* context) {
-    Tavrel::ReportError(context, Tavrel::TavrelError::InvalidUsage(),
-                        Tavrel::kReason_NoBinaryDataGiven);
-}
-
-}  // namespace
-
 AutoRefPtr<IDataRef> BinaryCopy(AutoRefPtr<IDataRef> const& data, IContext* context) {
     if (!data) {
-        ReportNoData(context);
+        Tavrel::ReportNoBinaryData(context);
         return AutoRefPtr<IDataRef>(nullptr);
     }
     return data->Clone();
@@ -28,7 +19,7 @@ AutoRefPtr<IDataRef> BinaryCopy(AutoRefPtr<IDataRef> const& data, IContext* cont
 AutoRefPtr<IDataRef> BinaryCopyPart(AutoRefPtr<IDataRef> const& data, long long offset,
                                     long long count, IContext* context) {
     if (!data) {
-        ReportNoData(context);
+        Tavrel::ReportNoBinaryData(context);
         return AutoRefPtr<IDataRef>(nullptr);
     }
     AutoRefPtr<Data> result(new Data());

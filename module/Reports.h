@@ -15,6 +15,10 @@ extern std::string const kReason_NoBinaryDataGiven;
 // One report through the context: severity 2, moduleName, error, reason.
 void ReportError(IContext* context, std::string const& error, std::string const& reason);
 
+// The report for an empty buffer reference: TavrelError::InvalidUsage(),
+// kReason_NoBinaryDataGiven.
+void ReportNoBinaryData(IContext* context);
+
 // The reason for a negative range, numbers as they came in:
 // ("Cannot slice with negative offset or size.", -1, "Size", 5)
 //   => "Cannot slice with negative offset or size. Offset: \"-1\" Size: \"5\""

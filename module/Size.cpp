@@ -10,8 +10,7 @@ using Tavrel::IDataRef;
 
 unsigned long BinarySize(AutoRefPtr<IDataRef> const& data, IContext* context) {
     if (!data) {
-        Tavrel::ReportError(context, std::string(Tavrel::TavrelError::InvalidUsage()),
-                            Tavrel::kReason_NoBinaryDataGiven);
+        Tavrel::ReportNoBinaryData(context);
         return 0;
     }
     return data->GetSize();

@@ -28,8 +28,7 @@ AutoRefPtr<IDataRef> BinarySlice(AutoRefPtr<IDataRef> const& data, long long off
                                  long long size, IContext* context) {
     AutoRefPtr<Data> result(new Data());
     if (!data) {
-        Tavrel::ReportError(context, Tavrel::TavrelError::InvalidUsage(),
-                            Tavrel::kReason_NoBinaryDataGiven);
+        Tavrel::ReportNoBinaryData(context);
         return result;
     }
     if (offset < 0 || size < 0) {

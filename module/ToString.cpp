@@ -9,20 +9,11 @@ using Tavrel::AutoRefPtr;
 using Tavrel::IContext;
 using Tavrel::IDataRef;
 
-namespace {
-
-void ReportNoData(IContext* context) {
-    Tavrel::ReportError(context, Tavrel::TavrelError::InvalidUsage(),
-                        Tavrel::kReason_NoBinaryDataGiven);
-}
-
-}  // namespace
-
 std::string BinaryPartToString(AutoRefPtr<IDataRef> const& data, long long offset, long long size,
                                IContext* context) {
     std::string result;
     if (!data) {
-        ReportNoData(context);
+        Tavrel::ReportNoBinaryData(context);
         return result;
     }
     if (offset < 0 || size < 0) {
@@ -45,7 +36,7 @@ std::string BinaryPartToString(AutoRefPtr<IDataRef> const& data, long long offse
 
 std::string BinaryToString(AutoRefPtr<IDataRef> const& data, IContext* context) {
     if (!data) {
-        ReportNoData(context);
+        Tavrel::ReportNoBinaryData(context);
         return std::string();
     }
     return BinaryPartToString(data, 0, static_cast<long long>(data->GetSize()), context);
