@@ -22,7 +22,7 @@ public:
     // path, or null:
     //   null path, or Allows(path) false             => null
     //   "" / missing / unreadable                     => null
-    //   "/" / a directory, a FIFO, "/dev/null", a socket => null, without blocking
+    //   "/" / a directory, a FIFO, a character device, a socket => null, without blocking
     //   a regular file, empty or not                  => a buffer of the file's size
     Tavrel::IDataRef* Interface_LoadData(Tavrel::IContext* context, char const* path) override;
 

@@ -24,7 +24,10 @@ foreach(placeholder FAKE_PARTIAL FAKE_FULL)
     list(TRANSFORM arguments REPLACE "@${placeholder}@" "${${placeholder}}")
   endif()
 endforeach()
-set(input /dev/null)
+# NOTE: an empty file of our own, not /dev/null: some containers make /dev/null a regular file
+# that collects whatever was written to it.
+set(input ${WORK}/${CASE}.empty.in)
+file(WRITE ${input} "")
 if(EXISTS ${base}.in)
   set(input ${base}.in)
 endif()
