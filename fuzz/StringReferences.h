@@ -1,7 +1,8 @@
 // StringReferences: plain, slow implementations of the string library's rules, written
 // from the rules and not from the library, for the strings fuzzer to compare against. Each
 // favours the most literal reading (one byte at a time, no early exits that the rule does not
-// name). Texts are bytes. Nothing here is meant for use outside the fuzzers.
+// name). Texts are bytes. The property tests of the string library use them too; nothing here
+// is meant for use outside the fuzzers and the tests.
 #pragma once
 
 #include <list>

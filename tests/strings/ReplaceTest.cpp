@@ -3,7 +3,7 @@
 
 #include "strings/Replace.h"
 #include "tests/strings/RandomText.h"
-#include "tests/strings/References.h"
+#include "fuzz/StringReferences.h"
 
 namespace Tavrel {
 namespace {
@@ -77,7 +77,7 @@ TEST(ReplaceAll, AgreesWithPlainProcedure) {
         std::string const to = random.From("abc", 4);
         std::string text = original;
         ReplaceAll(text, from, to);
-        ASSERT_EQ(text, Testing::NaiveReplace(original, from, to))
+        ASSERT_EQ(text, fuzz::reference::ReplaceAll(original, from, to))
             << "round " << round << " from " << from << " to " << to;
     }
 }

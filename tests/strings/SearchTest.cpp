@@ -4,7 +4,7 @@
 
 #include "strings/Search.h"
 #include "tests/strings/RandomText.h"
-#include "tests/strings/References.h"
+#include "fuzz/StringReferences.h"
 
 namespace Tavrel {
 namespace {
@@ -72,7 +72,7 @@ TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
         unsigned long const first = random.Below(text.size() + 2);
         unsigned long const last = round % 4 == 0 ? text.size() : random.Below(text.size() + 2);
         ASSERT_EQ(FindCaseInsensitive(text, first, last, needle),
-                  Testing::NaiveFind(text, first, last, needle))
+                  fuzz::reference::FoldFind(text, first, last, needle))
             << "round " << round << " needle " << needle << " " << first << ".." << last;
     }
 }

@@ -4,7 +4,7 @@
 
 #include "strings/Validate.h"
 #include "tests/strings/RandomText.h"
-#include "tests/strings/References.h"
+#include "fuzz/StringReferences.h"
 
 namespace Tavrel {
 namespace {
@@ -119,12 +119,12 @@ TEST(Validate, AgreesWithReference) {
         std::string const text = TrickyText(random, round);
         SCOPED_TRACE(testing::Message()
                      << "round " << round << " " << testing::PrintToString(text));
-        std::string message, expectedMessage;
-        unsigned long position = kUntouched, expectedPosition = kUntouched;
-        bool const expected = Testing::ReferenceUTF8(text, expectedMessage, expectedPosition);
-        ASSERT_EQ(ValidUTF8(text, message, &position), expected);
-        ASSERT_EQ(message, expectedMessage);
-        ASSERT_EQ(position, expectedPosition);
+        fuzz::reference::Utf8Verdict const expected = fuzz::reference::CheckUtf8(text);
+        std::string message;
+        unsigned long position = kUntouched;
+        ASSERT_EQ(ValidUTF8(text, message, &position), expected.valid);
+        ASSERT_EQ(message, expected.message);
+        ASSERT_EQ(position, expected.valid ? kUntouched : expected.position);
 
         // Line feeds end printable runs at once, so the printable test also gets them as '~'.
         std::string tildes = text;
