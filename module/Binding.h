@@ -118,23 +118,28 @@ TAVREL_BINDING_INLINE std::enable_if_t<std::is_same_v<T, std::string>, bool> Che
     if (!HasType(variant, VariantType::kString)) {
         return false;
     }
+    // NOTE: the host is asked for the bytes first and for their count second, in two
+    // statements, because the order of evaluation of call arguments is unspecified.
+    char const* const bytes = variant->GetString();
     unsigned long long const size = variant->GetStringSize();
     if (size == 0) {
-        holder.clear();
+        holder.clear();  // the host may give null for an empty text
     } else {
-        holder.assign(variant->GetString(), size);
+        holder.assign(bytes, size);
     }
     return true;
 }
 
-// STRING => a view of the host's bytes; nothing is copied.
+// STRING => a view of the host's bytes; nothing is copied. Bytes first, count second.
 template <class T>
 TAVREL_BINDING_INLINE std::enable_if_t<std::is_same_v<T, std::string_view>, bool> CheckAndConvert(
     IVariant* variant, T& holder) {
     if (!HasType(variant, VariantType::kString)) {
         return false;
     }
-    holder = std::string_view(variant->GetString(), variant->GetStringSize());
+    char const* const bytes = variant->GetString();
+    unsigned long long const size = variant->GetStringSize();
+    holder = std::string_view(bytes, size);
     return true;
 }
 

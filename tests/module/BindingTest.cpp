@@ -4,6 +4,8 @@
 
 #include <cmath>
 #include <limits>
+#include <string>
+#include <utility>
 
 #include "host/IUserDefinedType.h"
 #include "minihost/MemoryBuffer.h"
@@ -90,6 +92,51 @@ TEST(Binding, NullResultVariantStillRunsTheOperation) {
     EXPECT_EQ(reports, 1);
     // A failed binding with a null result stores nothing and does not crash.
     EXPECT_EQ(entry(0, nullptr, nullptr, moduletest::Module().Info(), &context), 65537u);
+}
+
+// A STRING argument that logs which of its readers the binding calls, in order.
+class LoggingText final : public Tavrel::IVariant {
+public:
+    explicit LoggingText(std::string bytes) : mBytes(std::move(bytes)) {}
+    std::string const& Log() const { return mLog; }
+
+    unsigned int Interface_GetType() const override { return Note("T", 9); }
+    double Interface_GetNumber() const override { return Note("N", 0); }
+    char const* Interface_GetString() const override { return Note("S", mBytes.c_str()); }
+    unsigned long long Interface_GetStringSize() const override { return Note("Z", mBytes.size()); }
+    Tavrel::IDataRef* Interface_GetData() const override { return Note("D", nullptr); }
+    Tavrel::IUserDefinedType* Interface_GetUserDefined() const override { return Note("U", nullptr); }
+    void Interface_AssignNumber(double) override {}
+    void Interface_AssignString(char const*, unsigned long) override {}
+    void Interface_AssignData(Tavrel::IDataRef*) override {}
+
+private:
+    template <class V>
+    V Note(char const* reader, V value) const {
+        mLog += reader;
+        return value;
+    }
+    std::string mBytes;
+    mutable std::string mLog;
+};
+
+TEST(Binding, StringArgumentsAreReadBytesFirstThenCount) {
+    struct Row {
+        char const* entry;  // a std::string_view holder, then a std::string holder
+        char const* bytes;
+    };
+    Row const rows[] = {{"tavrel_module_ToDataRef", "ab"}, {"tavrel_module_ToDataRef", ""},
+                        {"tavrel_module_BinaryMapFile", "/nonexistent/x"},
+                        {"tavrel_module_BinaryMapFile", ""}};
+    for (Row const& row : rows) {
+        minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(nullptr));
+        LoggingText text(row.bytes);
+        Tavrel::IVariant* arguments[] = {&text};
+        auto entry = moduletest::Module().Entry(row.entry);
+        EXPECT_EQ(entry(1, arguments, nullptr, moduletest::Module().Info(), &context), 0u)
+            << row.entry << " \"" << row.bytes << '"';
+        EXPECT_EQ(text.Log(), "TSZ") << row.entry << " \"" << row.bytes << '"';
+    }
 }
 
 TEST(Binding, NumbersAreTruncatedAndPinned) {
