@@ -92,6 +92,12 @@ void Data::PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, uns
     if (count > available || offset > available - count) {
         return;
     }
+    if (count == 0) {
+        // NOTE: an empty range is asked of the source like any other; it delivers nothing
+        // and the buffer stays as it is.
+        source->Read(mBytes.data() + mBytes.size(), 0, offset);
+        return;
+    }
     AppendRead(*source.get(), count, offset);
 }
 

@@ -37,7 +37,8 @@ public:
 
     // Appends count bytes of source from offset with one Read straight into the store.
     // Does nothing when source is empty or offset + count runs past its end (no clipping:
-    // callers clip first); count 0 reads nothing. Bytes that source does not deliver are zero.
+    // callers clip first); count 0 makes one Read of 0 bytes and changes nothing. Bytes that
+    // source does not deliver are zero.
     void PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, unsigned long offset);
     // Appends all of source; does nothing when source is empty.
     void PushBack(AutoRefPtr<IDataRef> const& source);

@@ -90,16 +90,19 @@ TEST(Data, PushBack) {
     struct Row {
         unsigned long count, offset;
         char const* result;
+        int reads;  // Read calls the source receives: one for every range that fits
     };
     Row const rows[] = {
-        {2, 1, ">bc"}, {0, 2, ">"}, {0, 4, ">"}, {3, 1, ">bcd"}, {4, 1, ">"}, {4, 0, ">abcd"},
-        {static_cast<unsigned long>(-1), 2, ">"}, {2, static_cast<unsigned long>(-1), ">"},
+        {2, 1, ">bc", 1},   {0, 2, ">", 1},     {0, 4, ">", 1},
+        {3, 1, ">bcd", 1},  {4, 1, ">", 0},     {4, 0, ">abcd", 1},
+        {static_cast<unsigned long>(-1), 2, ">", 0}, {2, static_cast<unsigned long>(-1), ">", 0},
     };
-    AutoRefPtr<IDataRef> source(new MemoryBuffer("abcd", {false, 0}));
     for (Row const& row : rows) {
+        AutoRefPtr<MemoryBuffer> source(new MemoryBuffer("abcd", {false, 0}));
         AutoRefPtr<Data> data(new Data(">"));
-        data->PushBack(source, row.count, row.offset);
+        data->PushBack(AutoRefPtr<IDataRef>(source), row.count, row.offset);
         EXPECT_EQ(Content(*data.get()), row.result) << row.count << " at " << row.offset;
+        EXPECT_EQ(source->readCalls(), row.reads) << row.count << " at " << row.offset;
     }
     AutoRefPtr<Data> data(new Data("xy"));
     data->PushBack(AutoRefPtr<IDataRef>(nullptr));
