@@ -26,19 +26,21 @@ bool ReportMissingArgument(AutoRefPtr<IDataRef> const& first, AutoRefPtr<IDataRe
     return false;
 }
 
-// Appends all of first, then all of second, to result, which is first given room for both
-// so that the bytes of first are not moved again when second comes in. Each source is asked
-// for its size twice and read once, as PushBack(source) does.
-void AppendWhole(Data& result, AutoRefPtr<IDataRef> const& first,
-                 AutoRefPtr<IDataRef> const& second) {
+// Appends all of first, then all of second, to result. Each source is asked for its size
+// twice and read once, as PushBack(source) does, and first is read before second is asked
+// anything, so a host sees the calls in the order of the two appends.
+// NOTE: the size of second is not known when first comes in, so the result is given room
+// for twice first, as a string grown by appending would have; second then moves no byte of
+// first when it is no larger. The module writes nothing into the room that stays unused.
+void AppendBoth(Data& result, AutoRefPtr<IDataRef> const& first,
+                AutoRefPtr<IDataRef> const& second) {
     unsigned long long const firstSize = first->GetSize();
-    unsigned long long const secondSize = second->GetSize();
-    unsigned long long total = 0;
-    if (!__builtin_add_overflow(firstSize, secondSize, &total)) {
-        result.Reserve(total);
+    unsigned long long room = 0;
+    if (!__builtin_mul_overflow(firstSize, 2ULL, &room)) {
+        result.Reserve(room);
     }
     result.PushBack(first, firstSize, 0);
-    result.PushBack(second, secondSize, 0);
+    result.PushBack(second);
 }
 
 }  // namespace
@@ -49,7 +51,7 @@ AutoRefPtr<IDataRef> BinaryAppend(AutoRefPtr<IDataRef> const& first,
     if (ReportMissingArgument(first, second, context)) {
         return result;
     }
-    AppendWhole(*result.get(), first, second);
+    AppendBoth(*result.get(), first, second);
     return result;
 }
 

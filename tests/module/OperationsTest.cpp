@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "minihost/MemoryBuffer.h"
+#include "object/InterfaceImpl.h"
 #include "tests/module/ModuleHarness.h"
 
 namespace {
@@ -196,6 +197,68 @@ TEST(Operations, Appends) {
     auto doubled = Call("BinaryAppend", {Variant::DataRef(self), Variant::DataRef(self)});
     EXPECT_EQ(BytesOf(doubled.result.dataPointer()), "abab");
     EXPECT_EQ(self->GetSize(), 2u);
+}
+
+// A host buffer that hides its bytes and writes each GetSize and Read it receives, with the
+// buffer's name, to a log shared by all buffers of one call.
+class LoggingBuffer final : public InterfaceImpl<IDataRef> {
+public:
+    LoggingBuffer(std::string name, std::string bytes, std::vector<std::string>& log)
+        : mName(std::move(name)), mBytes(std::move(bytes)), mLog(log) {}
+    unsigned long long Interface_GetSize() const override {
+        mLog.push_back(mName + ".GetSize");
+        return mBytes.size();
+    }
+    void Interface_Assign(char const*, unsigned long long) override { mLog.push_back("Assign"); }
+    unsigned long long Interface_Read(char* destination, unsigned long long count,
+                                      unsigned long long offset) const override {
+        mLog.push_back(mName + ".Read " + std::to_string(count) + "@" + std::to_string(offset));
+        std::string const part = mBytes.substr(offset, count);
+        part.copy(destination, part.size());
+        return part.size();
+    }
+    bool Interface_IsEqual(IDataRef*) const override { return false; }
+    IDataRef* Interface_Clone() const override { return nullptr; }
+
+private:
+    std::string mName;
+    std::string mBytes;
+    std::vector<std::string>& mLog;
+};
+
+TEST(Operations, CallsOnTheBuffersComeInTheirOrder) {
+    struct Row {
+        char const* entry;
+        bool sameObject;  // the second buffer argument is the first one again
+        std::vector<double> numbers;
+        std::vector<std::string> calls;
+        char const* bytes;
+    };
+    Row const rows[] = {
+        {"BinaryAppend", false, {},
+         {"a.GetSize", "a.GetSize", "a.Read 2@0", "b.GetSize", "b.GetSize", "b.Read 4@0"},
+         "xyabcd"},
+        {"BinaryAppend", true, {},
+         {"a.GetSize", "a.GetSize", "a.Read 2@0", "a.GetSize", "a.GetSize", "a.Read 2@0"},
+         "xyxy"},
+        {"BinaryAppendPart", false, {1, 9},
+         {"a.GetSize", "a.GetSize", "a.Read 2@0", "b.GetSize", "b.GetSize", "b.Read 3@1"},
+         "xybcd"},
+    };
+    for (Row const& row : rows) {
+        SCOPED_TRACE(std::string(row.entry) + (row.sameObject ? " on itself" : ""));
+        std::vector<std::string> log;
+        AutoRefPtr<IDataRef> a(new LoggingBuffer("a", "xy", log));
+        AutoRefPtr<IDataRef> b(new LoggingBuffer("b", "abcd", log));
+        std::vector<Variant> arguments = {Variant::DataRef(a),
+                                          Variant::DataRef(row.sameObject ? a : b)};
+        for (double number : row.numbers) {
+            arguments.push_back(N(number));
+        }
+        auto call = Call(row.entry, arguments);
+        EXPECT_EQ(log, row.calls);
+        EXPECT_EQ(BytesOf(call.result.dataPointer()), row.bytes);
+    }
 }
 
 TEST(Operations, MissingBuffers) {
