@@ -2,6 +2,8 @@
 // Building one from a raw pointer adopts a reference that is already counted; copying
 // or converting from another AutoRefPtr shares (adds a reference); destroying releases.
 // It has no thread protection of its own; only the count inside the object is atomic.
+// Of the operations, only the destructor and the moves are noexcept: they run during
+// clean-up, where an exception must not start.
 #pragma once
 
 #include <cstddef>
@@ -15,10 +17,10 @@ class AutoRefPtr {
 
 public:
     // An empty pointer.
-    AutoRefPtr() noexcept : mPtr(nullptr) {}
+    AutoRefPtr() : mPtr(nullptr) {}
 
     // Adopts p without adding a reference; null makes an empty pointer.
-    explicit AutoRefPtr(T* p) noexcept : mPtr(p) {}
+    explicit AutoRefPtr(T* p) : mPtr(p) {}
 
     // Shares other's object: adds a reference. other => unchanged.
     AutoRefPtr(AutoRefPtr const& other) : mPtr(other.mPtr) { AddRefImpl(); }
@@ -63,17 +65,17 @@ public:
     }
 
     // The raw pointer, not tested for null. The caller gets no reference of its own.
-    T* operator->() const noexcept { return mPtr; }
-    T* get() const noexcept { return mPtr; }
+    T* operator->() const { return mPtr; }
+    T* get() const { return mPtr; }
 
     // True when an object is held. Converts to nothing else: no arithmetic, no integer.
-    operator BoolType() const noexcept {
+    operator BoolType() const {
         return mPtr != nullptr ? &AutoRefPtr::InvalidCastOfAutoRefPtr : nullptr;
     }
 
     // Releases the held object, if any, without clearing the pointer: every caller
     // overwrites the pointer or ends its life straight after.
-    void ReleaseImpl() const noexcept {
+    void ReleaseImpl() const {
         if (mPtr != nullptr) {
             mPtr->Release();
         }
