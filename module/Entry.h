@@ -2,6 +2,8 @@
 // tavrel_module_<function>, which binds the host's call to the typed function, and the
 // one-byte variable whose load-time initialiser appends the function's raw line to the
 // definition text. The lines are appended in the order in which the entries stand.
+// NOTE: the variable has external linkage so that the compiler keeps it (nothing reads it);
+// like everything that is not exported, it is hidden from the host.
 #pragma once
 
 #include "module/Binding.h"
@@ -21,5 +23,5 @@
         Tavrel::IModuleInfo* info, Tavrel::IContext* context) {                              \
         return Tavrel::CallEntry(&function, count, arguments, result, info, context);        \
     }                                                                                        \
-    [[maybe_unused]] static char dummy##index = Tavrel::AppendDefinition(                    \
+    char dummy##index = Tavrel::AppendDefinition(                                             \
         definition, &function, kind, " " scriptName " (", ") : tavrel_module_" #function)
