@@ -24,9 +24,10 @@ AutoRefPtr<IDataRef> BinaryCopyPart(AutoRefPtr<IDataRef> const& data, long long 
     }
     AutoRefPtr<Data> result(new Data());
     if (offset < 0 || count < 0) {
-        Tavrel::ReportError(context, Tavrel::TavrelError::InvalidArgument(),
-                            Tavrel::NegativeRangeReason("Cannot copy with negative offset or count.",
-                                                        offset, "Count", count));
+        Tavrel::ReportError(
+            context, Tavrel::TavrelError::InvalidArgument(),
+            Tavrel::NegativeRangeReason("Cannot copy with negative offset or count.", offset,
+                                        "Count", count));
         return result;
     }
     long long const total = static_cast<long long>(data->GetSize());

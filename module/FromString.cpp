@@ -22,11 +22,10 @@ AutoRefPtr<IDataRef> ToDataRefPart(std::string_view text, long long offset, long
                                    IContext* context) {
     AutoRefPtr<IDataRef> data(nullptr);
     if (offset < 0 || count < 0) {
-        Tavrel::ReportError(
-            context, Tavrel::TavrelError::InvalidArgument(),
-            Tavrel::NegativeRangeReason(
-                "Cannot create DATAREF from string with negative offset or count.", offset,
-                "Count", count));
+        Tavrel::ReportError(context, Tavrel::TavrelError::InvalidArgument(),
+                            Tavrel::NegativeRangeReason(
+                                "Cannot create DATAREF from string with negative offset or count.",
+                                offset, "Count", count));
         data.reset(new Data());
         return data;
     }

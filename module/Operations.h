@@ -32,12 +32,12 @@ std::string BinaryToString(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data,
 // Binary.PartToString (DATAREF,NUMBER,NUMBER): size bytes from offset. Empty reference or
 // negative numbers => report, "". offset >= size or size < 1 => "". Bytes a short Read
 // does not deliver are zero.
-std::string BinaryPartToString(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data,
-                               long long offset, long long size, Tavrel::IContext* context);
+std::string BinaryPartToString(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data, long long offset,
+                               long long size, Tavrel::IContext* context);
 
 // Binary.Slice (DATAREF,NUMBER,NUMBER): a new buffer with size bytes from offset, read
-// straight into it; bytes a short Read leaves out are zero. Never null: empty reference or negative numbers => report,
-// empty buffer; offset >= size or size 0 => empty buffer.
+// straight into it; bytes a short Read leaves out are zero. Never null: empty reference or
+// negative numbers => report, empty buffer; offset >= size or size 0 => empty buffer.
 Tavrel::AutoRefPtr<Tavrel::IDataRef> BinarySlice(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data,
                                                  long long offset, long long size,
                                                  Tavrel::IContext* context);
@@ -58,9 +58,10 @@ Tavrel::AutoRefPtr<Tavrel::IDataRef> BinaryCopyPart(
 
 // Binary.Append (DATAREF,DATAREF): a new buffer with the bytes of first, then second.
 // Never null, never an argument. A missing argument => report which, empty buffer.
-Tavrel::AutoRefPtr<Tavrel::IDataRef> BinaryAppend(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& first,
-                                                  Tavrel::AutoRefPtr<Tavrel::IDataRef> const& second,
-                                                  Tavrel::IContext* context);
+// first is asked for its size and read before second is asked anything.
+Tavrel::AutoRefPtr<Tavrel::IDataRef> BinaryAppend(
+    Tavrel::AutoRefPtr<Tavrel::IDataRef> const& first,
+    Tavrel::AutoRefPtr<Tavrel::IDataRef> const& second, Tavrel::IContext* context);
 // Binary.Append (DATAREF,DATAREF,NUMBER,NUMBER): first, then count bytes of second from
 // offset. Negative numbers => report, a copy of first. "xy" + "abcd", 1, 2 => "xybc".
 Tavrel::AutoRefPtr<Tavrel::IDataRef> BinaryAppendPart(

@@ -24,17 +24,18 @@ long long DistanceToEnd(long long total, long long offset) {
 
 }  // namespace
 
-AutoRefPtr<IDataRef> BinarySlice(AutoRefPtr<IDataRef> const& data, long long offset,
-                                 long long size, IContext* context) {
+AutoRefPtr<IDataRef> BinarySlice(AutoRefPtr<IDataRef> const& data, long long offset, long long size,
+                                 IContext* context) {
     AutoRefPtr<Data> result(new Data());
     if (!data) {
         Tavrel::ReportNoBinaryData(context);
         return result;
     }
     if (offset < 0 || size < 0) {
-        Tavrel::ReportError(context, Tavrel::TavrelError::InvalidArgument(),
-                            Tavrel::NegativeRangeReason("Cannot slice with negative offset or size.",
-                                                        offset, "Size", size));
+        Tavrel::ReportError(
+            context, Tavrel::TavrelError::InvalidArgument(),
+            Tavrel::NegativeRangeReason("Cannot slice with negative offset or size.", offset,
+                                        "Size", size));
         return result;
     }
     long long const total = static_cast<long long>(data->GetSize());
