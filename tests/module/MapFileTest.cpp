@@ -38,11 +38,13 @@ public:
     OrderContext(FixedPolicy* policy, bool interrupted) : mPolicy(policy), mInterrupted(interrupted) {}
     bool Interface_IsInterrupted() const override {
         // The module's reference to the policy is gone by now: only ours is left.
-        policyCountAtInterruptTest = mPolicy->Interface_GetCount();
+        policyCountAtInterruptTest = mPolicy != nullptr ? mPolicy->Interface_GetCount() : 0;
         return mInterrupted;
     }
     Tavrel::IPolicy* Interface_GetPolicy() const override {
-        mPolicy->AddRef();
+        if (mPolicy != nullptr) {
+            mPolicy->AddRef();
+        }
         return mPolicy;
     }
     void Interface_TriggerErrorHandler(Tavrel::ErrorSeverity severity, char const* module,
@@ -109,6 +111,19 @@ TEST(MapFile, PassesOnThePolicysAnswer) {
         EXPECT_EQ(outcome.reports, expected) << row.name;
         EXPECT_EQ(host->Interface_GetCount(), before) << row.name;
     }
+}
+
+TEST(MapFile, AHostWithoutAPolicyGivesNoData) {
+    OrderContext context(nullptr, false);
+    minihost::Variant argument = minihost::Variant::String("a.txt");
+    minihost::Variant result;
+    Tavrel::IVariant* arguments[] = {&argument};
+    auto entry = moduletest::Module().Entry("tavrel_module_BinaryMapFile");
+    EXPECT_EQ(entry(1, arguments, &result, moduletest::Module().Info(), &context), 0u);
+    EXPECT_EQ(result.dataPointer(), nullptr);
+    std::vector<moduletest::Report> const expected{
+        {2, "Binary", "Error.System.Access", "Given File : 'a.txt' does not exist."}};
+    EXPECT_EQ(context.reports, expected);
 }
 
 TEST(MapFile, ReadsARealFileThroughTheFilePolicy) {

@@ -108,6 +108,7 @@ public:
 
 TEST(AppendFromRead, FastRoadKeepsTheStringWhenReadThrows) {
     AutoRefPtr<FailingSource> source(new FailingSource());
+    EXPECT_EQ(source->GetData(), nullptr) << "a buffer that does not expose its bytes";
     for (std::size_t prefix : {0, 3, 9000}) {
         std::string bytes = kBig.substr(0, prefix);
         EXPECT_THROW(Tavrel::AppendFromRead(bytes, *source.get(), 10000, 0), std::runtime_error);

@@ -46,6 +46,12 @@ TEST(AutoRefPtr, EmptyPointers) {
     empty.ReleaseImpl();
     empty.AddRefImpl();
     EXPECT_EQ(empty.get(), nullptr);
+    // The true value of the boolean test is a member that does nothing when called.
+    AutoRefPtr<Data> set(new Data());
+    auto const truth = static_cast<void (AutoRefPtr<Data>::*)() const>(set);
+    ASSERT_NE(truth, nullptr);
+    (set.*truth)();
+    EXPECT_EQ(static_cast<void (AutoRefPtr<Data>::*)() const>(empty), nullptr);
 }
 
 TEST(AutoRefPtr, MoveAssignmentAndReset) {

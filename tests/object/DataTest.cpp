@@ -106,6 +106,7 @@ TEST(Data, PushBack) {
     }
     AutoRefPtr<Data> data(new Data("xy"));
     data->PushBack(AutoRefPtr<IDataRef>(nullptr));
+    data->PushBack(AutoRefPtr<IDataRef>(nullptr), 1, 0);
     AutoRefPtr<IDataRef> self(data);
     data->PushBack(self);
     EXPECT_EQ(Content(*data.get()), "xyxy");

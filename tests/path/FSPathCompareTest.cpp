@@ -30,7 +30,9 @@ TEST(FSPathCompare, IsEqualUnderEachFlagPair) {
         EXPECT_EQ(mine.IsEqual(other, true, true), row.ignoreEnds);
         EXPECT_EQ(mine.IsEqual(other, false, false), row.ignoreCase);
         EXPECT_EQ(mine.IsEqual(other, true, false), row.ignoreBoth);
+        EXPECT_EQ(mine == other, row.exact);
         EXPECT_EQ(mine != other, !row.exact);
+        EXPECT_EQ(mine != std::string_view(row.other), !row.exact);
     }
     EXPECT_TRUE(FSPath("a/b") == "a\\b");
     std::set<FSPath> const set = {Raw("a/b"), Raw("a\\b"), Raw("a/b")};
@@ -112,6 +114,7 @@ TEST(FSPathCompare, FindSubDir) {
         FSPath path = Raw(row.path);
         EXPECT_EQ(path.FindSubDir(row.sub, row.start), row.expected);
         EXPECT_EQ(path.ContainsSubDir(FSPath(row.sub), row.start), row.expected != npos);
+        EXPECT_EQ(path.ContainsSubDir(row.sub, row.start), row.expected != npos);
     }
     FSPath rooted("/a/"), relative("a/b"), empty;
     EXPECT_EQ(rooted.FindSubDir(rooted, 99), 1u) << "the object itself";

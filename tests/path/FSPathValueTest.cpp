@@ -43,6 +43,9 @@ TEST(FSPathValue, ConvertsOnlyWhereItShould) {
     FSPath path("a/b");
     EXPECT_EQ(path.GetPathStr(kWin), "a\\b");
     EXPECT_EQ(path.GetPathStr(kAny), "a\\b") << "the conversion stays in the object";
+    std::string out = "old text";
+    path.GetPathStr(out);
+    EXPECT_EQ(out, "a\\b");
     EXPECT_EQ(path.ConvertPathSep(kAny).GetPathStr(), "a/b");
 }
 
@@ -65,6 +68,13 @@ TEST(FSPathValue, AppendStringAppendExtAndMakeDirPath) {
                               DirRow{"a\\", true, "a\\"}, DirRow{"a/\\", false, "a"}}) {
         EXPECT_EQ(Raw(row.path).MakeDirPath(row.dir).GetPathStr(), row.expected) << row.path;
         EXPECT_EQ(Raw(row.path).MakeFilePath(!row.dir).GetPathStr(), row.expected) << row.path;
+    }
+    // Only a final separator of either kind makes a directory path.
+    struct KindRow { char const* path; bool dir; };
+    for (KindRow const& row : {KindRow{"", false}, KindRow{"/", true}, KindRow{"a\\", true},
+                               KindRow{"a/b", false}, KindRow{"a/.", false}}) {
+        EXPECT_EQ(Raw(row.path).IsDirPath(), row.dir) << row.path;
+        EXPECT_EQ(Raw(row.path).IsFilePath(), !row.dir) << row.path;
     }
 }
 
