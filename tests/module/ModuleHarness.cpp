@@ -4,7 +4,9 @@
 
 #include <cstdlib>
 #include <memory>
+#include <sstream>
 
+#include "host/VariantType.h"
 #include "minihost/FilePolicy.h"
 
 namespace moduletest {
@@ -22,11 +24,20 @@ minihost::LoadedModule& Module() {
     return *module;
 }
 
-CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
-                std::vector<bool> nullArguments) {
+unsigned int CallEntry(std::string_view name, std::vector<Tavrel::IVariant*> arguments,
+                       Tavrel::IVariant* result, Tavrel::IContext* context) {
     std::string const entryName = "tavrel_module_" + std::string(name);
     minihost::EntryFunction const entry = Module().Entry(entryName);
-    EXPECT_NE(entry, nullptr) << entryName;
+    if (entry == nullptr) {
+        ADD_FAILURE() << "no entry " << entryName;
+        return ~0u;
+    }
+    return entry(static_cast<int>(arguments.size()), arguments.data(), result, Module().Info(),
+                 context);
+}
+
+CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
+                std::vector<bool> nullArguments) {
     CallResult call;
     minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new minihost::FilePolicy()));
     context.SetErrorHandler([&call](minihost::ErrorReport const& report) {
@@ -37,8 +48,7 @@ CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
         bool const isNull = i < nullArguments.size() && nullArguments[i];
         pointers.push_back(isNull ? nullptr : &arguments[i]);
     }
-    call.status = entry(static_cast<int>(pointers.size()), pointers.data(), &call.result,
-                        Module().Info(), &context);
+    call.status = CallEntry(name, pointers, &call.result, &context);
     return call;
 }
 
@@ -55,12 +65,32 @@ std::string BytesOf(Tavrel::IDataRef const* data) {
     return bytes;
 }
 
+std::string Shown(minihost::Variant const& result) {
+    std::ostringstream shown;
+    shown << result.type() << ':';
+    if (result.type() == Tavrel::VariantType::kNumber) {
+        shown << result.number();
+    } else if (result.type() == Tavrel::VariantType::kString) {
+        shown << result.string();
+    } else if (result.type() == Tavrel::VariantType::kDataRef) {
+        shown << (result.dataPointer() == nullptr ? "null" : BytesOf(result.dataPointer()));
+    }
+    return shown.str();
+}
+
 Report InvalidUsage(std::string reason) {
     return {2, "Binary", "Error.Tavrel.InvalidUsage", std::move(reason)};
 }
 
 Report InvalidArgument(std::string reason) {
     return {2, "Binary", "Error.Tavrel.InvalidArgument", std::move(reason)};
+}
+
+std::vector<Report> InvalidArguments(std::string reason) {
+    if (reason.empty()) {
+        return {};
+    }
+    return {InvalidArgument(std::move(reason))};
 }
 
 }  // namespace moduletest

@@ -36,13 +36,23 @@ minihost::LoadedModule& Module();
 CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
                 std::vector<bool> nullArguments = {});
 
+// Calls entry "tavrel_module_<name>" as given, for tests that bring their own variants,
+// result or context; gives the status word.
+unsigned int CallEntry(std::string_view name, std::vector<Tavrel::IVariant*> arguments,
+                       Tavrel::IVariant* result, Tavrel::IContext* context);
+
 // Builds a module buffer from bytes through the ToDataRef entry.
 Tavrel::AutoRefPtr<Tavrel::IDataRef> ModuleBuffer(std::string_view bytes);
 
 // All bytes of a buffer, read through its interface.
 std::string BytesOf(Tavrel::IDataRef const* data);
 
+// A result as type and value: "5:6", "9:<bytes>", "13:<bytes>" or "13:null".
+std::string Shown(minihost::Variant const& result);
+
 Report InvalidUsage(std::string reason);
 Report InvalidArgument(std::string reason);
+// The reports of a call that reports reason as an invalid argument; none for "".
+std::vector<Report> InvalidArguments(std::string reason);
 
 }  // namespace moduletest

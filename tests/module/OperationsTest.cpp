@@ -15,24 +15,31 @@ using minihost::MemoryBuffer;
 using minihost::Variant;
 using moduletest::BytesOf;
 using moduletest::Call;
-using moduletest::InvalidArgument;
+using moduletest::InvalidArguments;
 using moduletest::InvalidUsage;
 using moduletest::Report;
+using moduletest::Shown;
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
 
 struct SourceKind {
     char const* name;
-    std::function<AutoRefPtr<IDataRef>(std::string_view)> make;
+    std::function<Variant(std::string_view)> make;
 };
 
 // Every kind of buffer an operation may be given; each delivers all bytes asked for.
 std::vector<SourceKind> const& SourceKinds() {
     static std::vector<SourceKind> const kinds = {
-        {"module buffer", [](std::string_view b) { return moduletest::ModuleBuffer(b); }},
-        {"host, exposed", [](std::string_view b) { return AutoRefPtr<IDataRef>(new MemoryBuffer(b)); }},
+        {"module buffer",
+         [](std::string_view b) { return Variant::DataRef(moduletest::ModuleBuffer(b)); }},
+        {"host, exposed",
+         [](std::string_view b) {
+             return Variant::DataRef(AutoRefPtr<IDataRef>(new MemoryBuffer(b)));
+         }},
         {"host, hidden",
-         [](std::string_view b) { return AutoRefPtr<IDataRef>(new MemoryBuffer(b, {false, 0})); }},
+         [](std::string_view b) {
+             return Variant::DataRef(AutoRefPtr<IDataRef>(new MemoryBuffer(b, {false, 0})));
+         }},
     };
     return kinds;
 }
@@ -40,95 +47,105 @@ std::vector<SourceKind> const& SourceKinds() {
 Variant N(double value) { return Variant::Number(value); }
 Variant NoBuffer() { return Variant::DataRef(AutoRefPtr<IDataRef>()); }
 double const kHuge = 9.3e18;  // pinned to the largest long long
+double const kInf = std::numeric_limits<double>::infinity();
+double const kNaN = std::numeric_limits<double>::quiet_NaN();
+char const* const kMin = "-9223372036854775808";
 
-std::string ReasonFor(char const* lead, char const* sizeName, long long offset, long long size) {
-    return std::string(lead) + " Offset: \"" + std::to_string(offset) + "\" " + sizeName + ": \"" +
-           std::to_string(size) + "\"";
-}
-
-// One row of a range table over the source "abcdef": numbers in, bytes and report out.
+// One row of a range table over the source "abcdef": numbers in, bytes out, and the numbers
+// as the report shows them (null: no report).
 struct RangeRow {
     double offset;
     double size;
     char const* bytes;
-    bool reported;
+    char const* shownOffset = nullptr;
+    char const* shownSize = nullptr;
 };
 
+// Script numbers are cut toward zero, NaN is 0, and numbers beyond long long are pinned.
+// clang-format off
 std::vector<RangeRow> const kRanges = {
-    {0, 6, "abcdef", false}, {1, 2, "bc", false},   {4, 100, "ef", false},
-    {1, kHuge, "bcdef", false}, {6, 1, "", false},  {9, 1, "", false},
-    {2, 0, "", false},       {-1, 2, "", true},      {2, -1, "", true},
-    {-5, -6, "", true},
+    {0, 6, "abcdef"},       {1, 2, "bc"},           {4, 100, "ef"},      {1, kHuge, "bcdef"},
+    {6, 1, ""},             {9, 1, ""},             {2, 0, ""},          {2.9, 2.9, "cd"},
+    {-0.5, 1, "a"},         {kNaN, 3, "abc"},       {0, kNaN, ""},       {1, kInf, "bcdef"},
+    {1, 1e300, "bcdef"},    {1e19, 1, ""},          {-1, 2, "", "-1", "2"},
+    {2, -1, "", "2", "-1"}, {-5, -6, "", "-5", "-6"}, {-2.9, 1, "", "-2", "1"},
+    {-kInf, -1e300, "", kMin, kMin},
 };
+// clang-format on
 
-// Runs entry(source, offset, size) for every row and source kind; checks the result is a
-// buffer (or a string when isString) with the expected bytes and the exact report.
-void CheckRanges(char const* entry, bool isString, char const* lead, char const* sizeName) {
-    for (SourceKind const& kind : SourceKinds()) {
+// Runs entry(source, offset, size) for every row and source kind (the text "abcdef" for
+// ToDataRefPart); checks the result (a new buffer with one reference, or a string), the exact
+// report, and that the source keeps its bytes and its count.
+void CheckRanges(char const* entry, char const* lead, char const* sizeName) {
+    bool const givesText = std::string_view(entry) == "BinaryPartToString";
+    std::vector<SourceKind> const kinds =
+        std::string_view(entry) == "ToDataRefPart"
+            ? std::vector<SourceKind>{{"text",
+                                       [](std::string_view b) { return Variant::String(b); }}}
+            : SourceKinds();
+    for (SourceKind const& kind : kinds) {
         for (RangeRow const& row : kRanges) {
-            std::string const name = std::string(entry) + " on " + kind.name + " (" +
-                                     std::to_string(row.offset) + ", " + std::to_string(row.size) + ")";
-            auto source = kind.make("abcdef");
-            int const count = source->Interface_GetCount();
-            auto call = Call(entry, {Variant::DataRef(source), N(row.offset), N(row.size)});
-            ASSERT_EQ(call.status, 0u) << name;
-            if (isString) {
-                EXPECT_EQ(call.result.string(), row.bytes) << name;
-            } else {
-                ASSERT_NE(call.result.dataPointer(), nullptr) << name;
-                EXPECT_NE(call.result.dataPointer(), source.get()) << name;
-                EXPECT_EQ(BytesOf(call.result.dataPointer()), row.bytes) << name;
-                EXPECT_EQ(call.result.dataPointer()->Interface_GetCount(), 1) << name;
+            SCOPED_TRACE(std::string(entry) + " on " + kind.name + " (" +
+                         std::to_string(row.offset) + ", " + std::to_string(row.size) + ")");
+            Variant const source = kind.make("abcdef");
+            IDataRef* const data = source.dataPointer();
+            int const count = data != nullptr ? data->Interface_GetCount() : 0;
+            auto call = Call(entry, {source, N(row.offset), N(row.size)});
+            ASSERT_EQ(call.status, 0u);
+            EXPECT_EQ(Shown(call.result), (givesText ? "9:" : "13:") + std::string(row.bytes));
+            if (!givesText) {
+                ASSERT_NE(call.result.dataPointer(), nullptr);
+                EXPECT_NE(call.result.dataPointer(), data);
+                EXPECT_EQ(call.result.dataPointer()->Interface_GetCount(), 1);
             }
-            std::vector<Report> expected;
-            if (row.reported) {
-                expected.push_back(InvalidArgument(ReasonFor(
-                    lead, sizeName, static_cast<long long>(row.offset), static_cast<long long>(row.size))));
+            std::string const reason = row.shownOffset == nullptr
+                                           ? ""
+                                           : std::string(lead) + " Offset: \"" + row.shownOffset +
+                                                 "\" " + sizeName + ": \"" + row.shownSize + "\"";
+            EXPECT_EQ(call.reports, InvalidArguments(reason));
+            if (data != nullptr) {
+                EXPECT_EQ(data->Interface_GetCount(), count);
+                EXPECT_EQ(BytesOf(data), "abcdef");
             }
-            EXPECT_EQ(call.reports, expected) << name;
-            EXPECT_EQ(source->Interface_GetCount(), count) << name;
-            EXPECT_EQ(BytesOf(source.get()), "abcdef") << name;
         }
     }
 }
 
 TEST(Operations, RangesOfEveryRangedOperation) {
-    CheckRanges("BinaryPartToString", true, "Cannot convert binary part to string.", "Size");
-    CheckRanges("BinarySlice", false, "Cannot slice with negative offset or size.", "Size");
-    CheckRanges("BinaryCopyPart", false, "Cannot copy with negative offset or count.", "Count");
-}
-
-TEST(Operations, RangesOfTextsMadeIntoBuffers) {
-    for (RangeRow const& row : kRanges) {
-        auto call = Call("ToDataRefPart", {Variant::String("abcdef"), N(row.offset), N(row.size)});
-        ASSERT_NE(call.result.dataPointer(), nullptr);
-        EXPECT_EQ(BytesOf(call.result.dataPointer()), row.bytes) << row.offset << ", " << row.size;
-        EXPECT_EQ(call.reports.size(), row.reported ? 1u : 0u) << row.offset << ", " << row.size;
-    }
+    CheckRanges("BinaryPartToString", "Cannot convert binary part to string.", "Size");
+    CheckRanges("BinarySlice", "Cannot slice with negative offset or size.", "Size");
+    CheckRanges("BinaryCopyPart", "Cannot copy with negative offset or count.", "Count");
+    CheckRanges("ToDataRefPart", "Cannot create DATAREF from string with negative offset or count.",
+                "Count");
 }
 
 TEST(Operations, WholeBufferOperationsKeepEveryByte) {
     std::string const bytes("a\0b\0\xff", 5);
+    struct Row {
+        char const* entry;
+        std::vector<Variant> numbers;
+        std::string shown;
+    };
+    Row const rows[] = {
+        {"BinarySize", {}, "5:5"},
+        {"BinaryToString", {}, "9:" + bytes},
+        {"BinaryCopy", {}, "13:" + bytes},
+        {"BinarySliceRight", {N(0)}, "13:" + bytes},
+    };
     for (SourceKind const& kind : SourceKinds()) {
-        auto source = kind.make(bytes);
-        Variant argument = Variant::DataRef(source);
-        EXPECT_EQ(Call("BinarySize", {argument}).result.number(), 5.0) << kind.name;
-        EXPECT_EQ(Call("BinaryToString", {argument}).result.string(), bytes) << kind.name;
-        for (char const* entry : {"BinaryCopy", "BinarySliceRight"}) {
-            std::vector<Variant> arguments = {argument};
-            if (std::string_view(entry) == "BinarySliceRight") {
-                arguments.push_back(N(0));
-            }
-            auto call = Call(entry, arguments);
-            ASSERT_NE(call.result.dataPointer(), nullptr) << entry << " " << kind.name;
-            EXPECT_NE(call.result.dataPointer(), source.get()) << entry << " " << kind.name;
-            EXPECT_EQ(BytesOf(call.result.dataPointer()), bytes) << entry << " " << kind.name;
+        for (Row const& row : rows) {
+            SCOPED_TRACE(std::string(row.entry) + " on " + kind.name);
+            Variant const source = kind.make(bytes);
+            std::vector<Variant> arguments = {source};
+            arguments.insert(arguments.end(), row.numbers.begin(), row.numbers.end());
+            auto call = Call(row.entry, arguments);
+            EXPECT_EQ(Shown(call.result), row.shown);
+            EXPECT_NE(call.result.dataPointer(), source.dataPointer());
             EXPECT_TRUE(call.reports.empty());
         }
     }
     for (char const* entry : {"ToDataRef", "BinarySetFromString"}) {
-        auto call = Call(entry, {Variant::String(bytes)});
-        EXPECT_EQ(BytesOf(call.result.dataPointer()), bytes) << entry;
+        EXPECT_EQ(Shown(Call(entry, {Variant::String(bytes)}).result), "13:" + bytes) << entry;
     }
 }
 
@@ -149,13 +166,10 @@ TEST(Operations, SliceFromAnOffsetToTheEnd) {
          "Size: \"9223372036854775807\""},
     };
     for (Row const& row : rows) {
-        auto call = Call("BinarySliceRight", {Variant::DataRef(moduletest::ModuleBuffer("abcdef")), N(row.offset)});
-        EXPECT_EQ(BytesOf(call.result.dataPointer()), row.bytes) << row.offset;
-        std::vector<Report> expected;
-        if (*row.reason != '\0') {
-            expected.push_back(InvalidArgument(row.reason));
-        }
-        EXPECT_EQ(call.reports, expected) << row.offset;
+        auto call = Call("BinarySliceRight",
+                         {Variant::DataRef(moduletest::ModuleBuffer("abcdef")), N(row.offset)});
+        EXPECT_EQ(Shown(call.result), std::string("13:") + row.bytes) << row.offset;
+        EXPECT_EQ(call.reports, InvalidArguments(row.reason)) << row.offset;
     }
 }
 
@@ -176,21 +190,16 @@ TEST(Operations, Appends) {
     };
     for (SourceKind const& kind : SourceKinds()) {
         for (Row const& row : rows) {
-            auto first = kind.make("xy");
-            auto second = kind.make("abcd");
-            std::vector<Variant> arguments = {Variant::DataRef(first), Variant::DataRef(second)};
+            Variant const first = kind.make("xy");
+            std::vector<Variant> arguments = {first, kind.make("abcd")};
             for (double number : row.range) {
                 arguments.push_back(N(number));
             }
             auto call = Call(row.range.empty() ? "BinaryAppend" : "BinaryAppendPart", arguments);
-            ASSERT_NE(call.result.dataPointer(), nullptr) << row.name;
-            EXPECT_EQ(BytesOf(call.result.dataPointer()), row.bytes) << row.name << " " << kind.name;
-            std::vector<Report> expected;
-            if (*row.reason != '\0') {
-                expected.push_back(InvalidArgument(row.reason));
-            }
-            EXPECT_EQ(call.reports, expected) << row.name;
-            EXPECT_EQ(BytesOf(first.get()), "xy");
+            EXPECT_EQ(Shown(call.result), std::string("13:") + row.bytes)
+                << row.name << " " << kind.name;
+            EXPECT_EQ(call.reports, InvalidArguments(row.reason)) << row.name;
+            EXPECT_EQ(BytesOf(first.dataPointer()), "xy");
         }
     }
     auto self = moduletest::ModuleBuffer("ab");
@@ -266,61 +275,31 @@ TEST(Operations, MissingBuffers) {
     Report const noData = InvalidUsage("No binary data given!");
     Report const first = InvalidUsage("First parameter is invalid!");
     Report const second = InvalidUsage("Second parameter is invalid!");
-    enum Result { kNumberZero, kEmptyString, kEmptyBuffer, kNullBuffer };
     struct Row {
         char const* entry;
         std::vector<Variant> arguments;
         Report report;
-        Result result;
+        char const* shown;  // a number 0, an empty string, an empty buffer or null
     };
     Row const rows[] = {
-        {"BinarySize", {NoBuffer()}, noData, kNumberZero},
-        {"BinaryToString", {NoBuffer()}, noData, kEmptyString},
-        {"BinaryPartToString", {NoBuffer(), N(-1), N(-1)}, noData, kEmptyString},
-        {"BinarySlice", {NoBuffer(), N(-1), N(-1)}, noData, kEmptyBuffer},
-        {"BinarySliceRight", {NoBuffer(), N(-1)}, noData, kEmptyBuffer},
-        {"BinaryCopy", {NoBuffer()}, noData, kNullBuffer},
-        {"BinaryCopyPart", {NoBuffer(), N(-1), N(-1)}, noData, kNullBuffer},
-        {"BinaryAppend", {NoBuffer(), NoBuffer()}, first, kEmptyBuffer},
-        {"BinaryAppend", {some, NoBuffer()}, second, kEmptyBuffer},
-        {"BinaryAppendPart", {NoBuffer(), some, N(-1), N(-1)}, first, kEmptyBuffer},
-        {"BinaryAppendPart", {some, NoBuffer(), N(0), N(1)}, second, kEmptyBuffer},
+        {"BinarySize", {NoBuffer()}, noData, "5:0"},
+        {"BinaryToString", {NoBuffer()}, noData, "9:"},
+        {"BinaryPartToString", {NoBuffer(), N(-1), N(-1)}, noData, "9:"},
+        {"BinarySlice", {NoBuffer(), N(-1), N(-1)}, noData, "13:"},
+        {"BinarySliceRight", {NoBuffer(), N(-1)}, noData, "13:"},
+        {"BinaryCopy", {NoBuffer()}, noData, "13:null"},
+        {"BinaryCopyPart", {NoBuffer(), N(-1), N(-1)}, noData, "13:null"},
+        {"BinaryAppend", {NoBuffer(), NoBuffer()}, first, "13:"},
+        {"BinaryAppend", {some, NoBuffer()}, second, "13:"},
+        {"BinaryAppendPart", {NoBuffer(), some, N(-1), N(-1)}, first, "13:"},
+        {"BinaryAppendPart", {some, NoBuffer(), N(0), N(1)}, second, "13:"},
     };
     for (Row const& row : rows) {
         auto call = Call(row.entry, row.arguments);
         EXPECT_EQ(call.status, 0u) << row.entry;
         EXPECT_EQ(call.reports, std::vector<Report>{row.report}) << row.entry;
-        switch (row.result) {
-            case kNumberZero:
-                EXPECT_EQ(call.result.type(), 5u) << row.entry;
-                EXPECT_EQ(call.result.number(), 0.0) << row.entry;
-                break;
-            case kEmptyString:
-                EXPECT_EQ(call.result.type(), 9u) << row.entry;
-                EXPECT_EQ(call.result.string(), "") << row.entry;
-                break;
-            case kEmptyBuffer:
-                ASSERT_NE(call.result.dataPointer(), nullptr) << row.entry;
-                EXPECT_EQ(call.result.dataPointer()->GetSize(), 0u) << row.entry;
-                break;
-            case kNullBuffer:
-                EXPECT_EQ(call.result.type(), 13u) << row.entry;
-                EXPECT_EQ(call.result.dataPointer(), nullptr) << row.entry;
-                break;
-        }
+        EXPECT_EQ(Shown(call.result), row.shown) << row.entry;
     }
-}
-
-TEST(Operations, ShortReadsLeaveZeros) {
-    auto hidden = [] { return AutoRefPtr<IDataRef>(new MemoryBuffer("abcdef", {false, 4})); };
-    std::string const expected("abcd\0\0", 6);
-    EXPECT_EQ(Call("BinaryToString", {Variant::DataRef(hidden())}).result.string(), expected);
-    for (char const* entry : {"BinarySlice", "BinaryCopyPart"}) {
-        auto call = Call(entry, {Variant::DataRef(hidden()), N(0), N(6)});
-        EXPECT_EQ(BytesOf(call.result.dataPointer()), expected) << entry;
-    }
-    auto appended = Call("BinaryAppend", {Variant::DataRef(hidden()), Variant::DataRef(hidden())});
-    EXPECT_EQ(BytesOf(appended.result.dataPointer()), expected + expected);
 }
 
 TEST(Operations, CopyOfAHostBufferIsTheHostsClone) {
