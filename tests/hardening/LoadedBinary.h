@@ -1,11 +1,14 @@
 // LoadedBinary: the built module, loaded once per test program through minihost's loader
-// (dlopen, as the host loads it), and its entries by their short names. A module that does
-// not load fails the test program at once.
+// (dlopen, as the host loads it), its entries by their short names, and one table of calls
+// that reaches every entry with typical arguments and with arguments that it reports. A
+// module that does not load fails the test program at once.
 #pragma once
 
 #include <string_view>
+#include <vector>
 
 #include "minihost/ModuleLoader.h"
+#include "minihost/Variant.h"
 
 namespace hardening {
 
@@ -13,5 +16,29 @@ minihost::LoadedModule& Binary();
 
 // "BinarySize" => tavrel_module_BinarySize; a name that is not an entry aborts.
 minihost::EntryFunction EntryOf(std::string_view name);
+
+// A module buffer with bytes, made by the module's ToDataRef.
+Tavrel::AutoRefPtr<Tavrel::IDataRef> ModuleBuffer(std::string_view bytes);
+
+// The argument values of the calls: buffers of the module and of the host (one that hides
+// its bytes), a null DATAREF, a string, a file that exists and one that does not, numbers.
+struct CallValues {
+    CallValues();
+    // The three buffers that the calls share.
+    std::vector<Tavrel::IDataRef*> Buffers() const;
+
+    minihost::Variant module, host, hidden, missing, text, file, noFile;
+    minihost::Variant three, many, negative;  // 3, 500 (past every end), -1
+};
+
+struct EntryCall {
+    char const* name;
+    char const* entry;
+    std::vector<Tavrel::IVariant*> arguments;
+    int reports;  // error reports that the call makes
+};
+
+// Every entry, each with typical arguments and most also with arguments that it reports.
+std::vector<EntryCall> EveryEntryCall(CallValues& v);
 
 }  // namespace hardening

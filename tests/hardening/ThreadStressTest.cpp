@@ -8,7 +8,6 @@
 // any unordered access on the way is a failure as well.
 #include <array>
 #include <atomic>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <string>
 #include <thread>
@@ -17,7 +16,6 @@
 #include "minihost/Context.h"
 #include "minihost/FilePolicy.h"
 #include "minihost/LiveCount.h"
-#include "minihost/MemoryBuffer.h"
 #include "minihost/Variant.h"
 #include "tests/hardening/LoadedBinary.h"
 
@@ -32,57 +30,12 @@ constexpr int kRounds = 400;
 constexpr int kReferencesPerRound = 8;
 constexpr std::size_t kMailboxSlots = 8;
 
-struct CallPlan {
-    char const* entry;
-    std::vector<Variant*> arguments;
-    int reports;
-};
-
 // What the threads share. Everything here is only read while the threads run, apart from
 // the counts of the buffers and the mailbox.
 class SharedWorld {
 public:
-    SharedWorld() {
-        mModule = ModuleBuffer(std::string(200, 'm'));
-        mHost = AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(std::string(200, 'h')));
-        mHidden =
-            AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(std::string(200, 'c'), {false, 7}));
-        std::string const path = testing::TempDir() + "thread_stress_mapped_file";
-        std::ofstream(path) << "the bytes of a mapped file";
-        mValues = {Variant::DataRef(mModule), Variant::DataRef(mHost),
-                   Variant::DataRef(mHidden), Variant::DataRef(AutoRefPtr<IDataRef>()),
-                   Variant::Number(3),        Variant::Number(500),
-                   Variant::Number(-1),       Variant::String("some text"),
-                   Variant::String(path),     Variant::String(path + ".missing")};
-    }
-
-    // Every entry once with good arguments, and a few with arguments that it reports.
-    std::vector<CallPlan> Calls() {
-        auto& [module, host, hidden, missing, three, many, negative, text, file, noFile] = mValues;
-        return {
-            {"BinarySize", {&module}, 0},
-            {"BinarySize", {&missing}, 1},
-            {"BinarySetFromString", {&text}, 0},
-            {"ToDataRef", {&text}, 0},
-            {"ToDataRefPart", {&text, &three, &many}, 0},
-            {"BinaryMapFile", {&file}, 0},
-            {"BinaryMapFile", {&noFile}, 1},
-            {"BinarySlice", {&hidden, &three, &many}, 0},
-            {"BinarySlice", {&module, &negative, &three}, 1},
-            {"BinarySliceRight", {&host, &three}, 0},
-            {"BinaryPartToString", {&module, &three, &many}, 0},
-            {"BinaryToString", {&hidden}, 0},
-            {"BinaryCopy", {&host}, 0},
-            {"BinaryCopy", {&module}, 0},
-            {"BinaryCopyPart", {&hidden, &three, &many}, 0},
-            {"BinaryAppend", {&module, &module}, 0},
-            {"BinaryAppend", {&host, &hidden}, 0},
-            {"BinaryAppendPart", {&module, &hidden, &three, &many}, 0},
-            {"BinaryAppendPart", {&missing, &host, &three, &many}, 1},
-        };
-    }
-
-    std::vector<AutoRefPtr<IDataRef>> Buffers() const { return {mModule, mHost, mHidden}; }
+    std::vector<hardening::EntryCall> const& Calls() const { return mCalls; }
+    std::vector<IDataRef*> Buffers() const { return mValues.Buffers(); }
     AutoRefPtr<Tavrel::IPolicy> const& Policy() const { return mPolicy; }
 
     // Puts made into a slot, taking over its one reference, and releases what was there.
@@ -107,21 +60,9 @@ public:
     }
 
 private:
-    static AutoRefPtr<IDataRef> ModuleBuffer(std::string const& bytes) {
-        Variant text = Variant::String(bytes);
-        Variant result;
-        Tavrel::IVariant* arguments[] = {&text};
-        minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
-        hardening::EntryOf("ToDataRef")(1, arguments, &result, hardening::Binary().Info(),
-                                        &context);
-        return result.data();
-    }
-
-    AutoRefPtr<IDataRef> mModule;
-    AutoRefPtr<IDataRef> mHost;
-    AutoRefPtr<IDataRef> mHidden;
+    hardening::CallValues mValues;
+    std::vector<hardening::EntryCall> const mCalls = hardening::EveryEntryCall(mValues);
     AutoRefPtr<Tavrel::IPolicy> mPolicy{new minihost::FilePolicy()};
-    std::array<Variant, 10> mValues;
     std::array<std::atomic<IDataRef*>, kMailboxSlots> mMailbox{};
 };
 
@@ -136,8 +77,8 @@ struct Tally {
 };
 
 // Adds and drops references on the shared buffers, one burst per buffer.
-void ChurnReferences(std::vector<AutoRefPtr<IDataRef>> const& shared, Tally& tally) {
-    for (AutoRefPtr<IDataRef> const& buffer : shared) {
+void ChurnReferences(std::vector<IDataRef*> const& shared, Tally& tally) {
+    for (IDataRef* const buffer : shared) {
         for (int i = 0; i < kReferencesPerRound; ++i) {
             buffer->AddRef();
         }
@@ -148,17 +89,17 @@ void ChurnReferences(std::vector<AutoRefPtr<IDataRef>> const& shared, Tally& tal
 }
 
 // One call; a buffer in the result goes into the mailbox with the only reference to it.
-void CallAndHandOver(SharedWorld& world, CallPlan const& plan, std::size_t slot, Tally& tally) {
-    std::vector<Tavrel::IVariant*> arguments(plan.arguments.begin(), plan.arguments.end());
+void CallAndHandOver(SharedWorld& world, hardening::EntryCall& call, std::size_t slot,
+                     Tally& tally) {
     int reports = 0;
     minihost::Context context{world.Policy()};
     context.SetErrorHandler([&reports](minihost::ErrorReport const&) { ++reports; });
     Variant result;
-    unsigned int const status =
-        hardening::EntryOf(plan.entry)(static_cast<int>(arguments.size()), arguments.data(),
-                                       &result, hardening::Binary().Info(), &context);
+    unsigned int const status = hardening::EntryOf(call.entry)(
+        static_cast<int>(call.arguments.size()), call.arguments.data(), &result,
+        hardening::Binary().Info(), &context);
     tally.wrongStatus += status != 0 ? 1 : 0;
-    tally.wrongReports += reports != plan.reports ? 1 : 0;
+    tally.wrongReports += reports != call.reports ? 1 : 0;
     AutoRefPtr<IDataRef> made = result.data();
     result = Variant();
     if (!made) {
@@ -174,8 +115,8 @@ void CallAndHandOver(SharedWorld& world, CallPlan const& plan, std::size_t slot,
 }
 
 void Work(SharedWorld& world, int thread, Tally& tally) {
-    std::vector<CallPlan> const calls = world.Calls();  // shared variants, read only
-    std::vector<AutoRefPtr<IDataRef>> const shared = world.Buffers();
+    std::vector<hardening::EntryCall> calls = world.Calls();  // shared variants, read only
+    std::vector<IDataRef*> const shared = world.Buffers();
     for (int round = 0; round < kRounds; ++round) {
         ChurnReferences(shared, tally);
         for (std::size_t i = 0; i < calls.size(); ++i) {
