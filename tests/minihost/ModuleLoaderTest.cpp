@@ -4,7 +4,7 @@
 #include <string>
 
 #include "minihost/ModuleLoader.h"
-#include "tests/minihost/TempDir.h"
+#include "tests/minihost/TestFiles.h"
 
 namespace minihost {
 namespace {

@@ -1,4 +1,5 @@
-// TempDir: a fresh directory for one test, removed with its content when the object goes.
+// Files for tests: TempDir, a fresh directory for one test, removed with its content when the
+// object goes; and OpenDescriptors, to see that whatever a test opened was closed again.
 #pragma once
 
 #include <cstdlib>
@@ -16,11 +17,16 @@ public:
         if (::mkdtemp(mPath.data()) == nullptr) {
             throw std::runtime_error("cannot make a temporary directory");
         }
+        // The temporary directory may lie behind a link (as /tmp can): the root is resolved,
+        // so that it compares equal to the paths that realpath gives.
+        mPath = std::filesystem::canonical(mPath).string();
     }
     ~TempDir() {
         std::error_code ignored;
         std::filesystem::remove_all(mPath, ignored);
     }
+    TempDir(TempDir const&) = delete;
+    TempDir& operator=(TempDir const&) = delete;
 
     std::string const& Root() const { return mPath; }
     std::string Path(std::string_view name) const { return mPath + "/" + std::string(name); }
@@ -34,5 +40,11 @@ public:
 private:
     std::string mPath;
 };
+
+// How many file descriptors this process has open.
+inline long OpenDescriptors() {
+    auto const fds = std::filesystem::directory_iterator("/proc/self/fd");
+    return std::distance(begin(fds), end(fds));
+}
 
 }  // namespace minihost::testing
