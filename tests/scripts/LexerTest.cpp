@@ -101,6 +101,7 @@ TEST(Tokenize, DecodesLiterals) {
         {"\"\t raw\xc3\xa9\"", TokenKind::kString, "\t raw\xc3\xa9", 0},
         {"-1.5e3", TokenKind::kNumber, "-1.5e3", -1500},
         {"+0.25", TokenKind::kNumber, "+0.25", 0.25},
+        {"2.5E-3", TokenKind::kNumber, "2.5E-3", 0.0025},
         {"-0", TokenKind::kNumber, "-0", -0.0},
         {"007", TokenKind::kNumber, "007", 7},
         {"Binary.Append_2", TokenKind::kName, "Binary.Append_2", 0},
