@@ -202,10 +202,6 @@ TEST(Operations, Appends) {
             EXPECT_EQ(BytesOf(first.dataPointer()), "xy");
         }
     }
-    auto self = moduletest::ModuleBuffer("ab");
-    auto doubled = Call("BinaryAppend", {Variant::DataRef(self), Variant::DataRef(self)});
-    EXPECT_EQ(BytesOf(doubled.result.dataPointer()), "abab");
-    EXPECT_EQ(self->GetSize(), 2u);
 }
 
 // A host buffer that hides its bytes and writes each GetSize and Read it receives, with the

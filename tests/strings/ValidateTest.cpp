@@ -74,17 +74,6 @@ TEST(ValidASCII, Tables) {
     }
 }
 
-// The index of the first byte outside low..high, or kUntouched.
-unsigned long FirstFailure(std::string_view text, unsigned low, unsigned high) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        unsigned const b = static_cast<unsigned char>(text[i]);
-        if (b < low || b > high) {
-            return i;
-        }
-    }
-    return kUntouched;
-}
-
 // Long runs of ASCII with line feeds, cut by a byte or sequence near a 16- or 64-byte
 // boundary, and texts of mixed sequences.
 std::string TrickyText(Testing::RandomText& random, int round) {
@@ -130,8 +119,10 @@ TEST(Validate, AgreesWithReference) {
         std::string tildes = text;
         std::replace(tildes.begin(), tildes.end(), '\n', '~');
         for (std::string_view const ascii : {std::string_view(text), std::string_view(tildes)}) {
-            unsigned long const nonAscii = FirstFailure(ascii, 0x00, 0x7F);
-            unsigned long const nonPrintable = FirstFailure(ascii, 0x20, 0x7E);
+            unsigned long const nonAscii =
+                fuzz::reference::FirstNonAscii(ascii).value_or(kUntouched);
+            unsigned long const nonPrintable =
+                fuzz::reference::FirstNonPrintableAscii(ascii).value_or(kUntouched);
             position = kUntouched;
             ASSERT_EQ(ValidASCII(ascii, &position), nonAscii == kUntouched);
             ASSERT_EQ(position, nonAscii);
