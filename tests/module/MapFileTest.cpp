@@ -74,7 +74,7 @@ Outcome MapFile(std::string const& path, AutoRefPtr<IDataRef> answer, bool inter
     minihost::Variant result;
     unsigned const status = moduletest::CallEntry("BinaryMapFile", {&argument}, &result, &context);
     return {status, result.dataPointer(), context.reports,
-            policy ? policy->paths : std::vector<std::string>(),
+            hasPolicy ? policy->paths : std::vector<std::string>(),
             context.policyCountAtInterruptTest};
 }
 
