@@ -36,15 +36,6 @@ void Free(void* block) noexcept {
         std::free(block);
     }
 }
-
-// The nothrow forms fail with null where the others throw.
-void* AllocateOrNull(std::size_t size) noexcept {
-    try {
-        return Allocate(size);
-    } catch (std::bad_alloc const&) {
-        return nullptr;
-    }
-}
 #endif
 
 }  // namespace
@@ -71,18 +62,9 @@ bool Fired() { return gFired.load(); }
 }  // namespace allocfail
 
 #ifndef TAVREL_SANITIZED
+// NOTE: only these are replaced. The standard library's own array and nothrow forms call them,
+// so every allocation and release of the program and the module comes here.
 void* operator new(std::size_t size) { return allocfail::Allocate(size); }
-void* operator new[](std::size_t size) { return allocfail::Allocate(size); }
-void* operator new(std::size_t size, std::nothrow_t const&) noexcept {
-    return allocfail::AllocateOrNull(size);
-}
-void* operator new[](std::size_t size, std::nothrow_t const&) noexcept {
-    return allocfail::AllocateOrNull(size);
-}
 void operator delete(void* block) noexcept { allocfail::Free(block); }
-void operator delete[](void* block) noexcept { allocfail::Free(block); }
 void operator delete(void* block, std::size_t) noexcept { allocfail::Free(block); }
-void operator delete[](void* block, std::size_t) noexcept { allocfail::Free(block); }
-void operator delete(void* block, std::nothrow_t const&) noexcept { allocfail::Free(block); }
-void operator delete[](void* block, std::nothrow_t const&) noexcept { allocfail::Free(block); }
 #endif

@@ -1,7 +1,7 @@
-// CountingAllocator: the test program's own global operator new and delete (every form
-// without an alignment argument). They count the calls and the blocks alive, and can be
-// armed so that one chosen call fails with std::bad_alloc. The program must export them
-// (ENABLE_EXPORTS) so that a module loaded with dlopen allocates through them as well.
+// CountingAllocator: the test program's own global operator new and delete, which every other
+// form without an alignment argument calls. They count the calls and the blocks alive, and
+// can be armed so that one chosen call fails with std::bad_alloc. The program must export
+// them (ENABLE_EXPORTS) so that a module loaded with dlopen allocates through them as well.
 // Built with sanitizers (TAVREL_SANITIZED) nothing is replaced, since the sanitizers replace
 // operator new themselves; Active() then says false and the counts stay 0.
 #pragma once

@@ -110,6 +110,7 @@ std::vector<EntryCall> EveryEntryCall(CallValues& v) {
         {"append to a host buffer", "BinaryAppend", {&v.host, &v.hidden}, 0},
         {"append to itself", "BinaryAppend", {&v.module, &v.module}, 0},
         {"append to nothing", "BinaryAppend", {&v.missing, &v.module}, 1},
+        {"append nothing", "BinaryAppend", {&v.module, &v.missing}, 1},
         {"append part", "BinaryAppendPart", {&v.module, &v.host, &v.three, &v.many}, 0},
         {"append part to nothing", "BinaryAppendPart", {&v.missing, &v.host, &v.three, &v.many}, 1},
         {"append part, negative",
