@@ -4,7 +4,6 @@
 // entry, no block may be left that was not there before, the result variant keeps what it
 // held, every buffer keeps its count, as many host buffers are alive as before, and no file
 // descriptor stays open.
-#include <filesystem>
 #include <gtest/gtest.h>
 #include <new>
 #include <set>
@@ -19,10 +18,12 @@
 #include "minihost/Variant.h"
 #include "tests/hardening/CountingAllocator.h"
 #include "tests/hardening/LoadedBinary.h"
+#include "tests/minihost/TestFiles.h"
 
 namespace {
 
 using minihost::Variant;
+using minihost::testing::OpenDescriptors;
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
 
@@ -64,12 +65,6 @@ private:
 
     Variant mHeld;
 };
-
-// Open file descriptors of this process.
-long OpenDescriptors() {
-    auto const fds = std::filesystem::directory_iterator("/proc/self/fd");
-    return std::distance(begin(fds), end(fds));
-}
 
 // One entry call of the table, repeated with each of its allocations failing in turn.
 class CaseRun {

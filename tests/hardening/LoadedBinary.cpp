@@ -107,7 +107,6 @@ std::vector<EntryCall> EveryEntryCall(CallValues& v) {
         {"copy part", "BinaryCopyPart", {&v.hidden, &v.three, &v.many}, 0},
         {"copy part, negative", "BinaryCopyPart", {&v.module, &v.three, &v.negative}, 1},
         {"append to a module buffer", "BinaryAppend", {&v.module, &v.hidden}, 0},
-        {"append to a host buffer", "BinaryAppend", {&v.host, &v.hidden}, 0},
         {"append to itself", "BinaryAppend", {&v.module, &v.module}, 0},
         {"append to nothing", "BinaryAppend", {&v.missing, &v.module}, 1},
         {"append nothing", "BinaryAppend", {&v.module, &v.missing}, 1},

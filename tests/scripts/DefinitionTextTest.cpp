@@ -28,7 +28,6 @@ TEST(DefinitionText, ParsesEntriesOrSaysWhereItFails) {
     };
     Row const rows[] = {
         {"", {}, ""},
-        {"   ", {}, ""},
         {" CONST_FUNCTION NUMBER Size (DATAREF) : tavrel_module_BinarySize",
          {"CONST_FUNCTION NUMBER Size (DATAREF) : tavrel_module_BinarySize"},
          ""},
