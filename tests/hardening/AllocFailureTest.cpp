@@ -69,10 +69,8 @@ private:
 // One entry call of the table, repeated with each of its allocations failing in turn.
 class CaseRun {
 public:
-    CaseRun(hardening::EntryCall call, std::vector<IDataRef*> buffers)
-        : mCall(std::move(call)),
-          mBuffers(std::move(buffers)),
-          mEntry(hardening::EntryOf(mCall.entry)) {}
+    CaseRun(hardening::EntryCall call, hardening::CallValues const& values)
+        : mCall(std::move(call)), mValues(values), mEntry(hardening::EntryOf(mCall.entry)) {}
 
     // One call, with the result variant at its earlier value, counting the reports; the
     // status word.
@@ -139,15 +137,14 @@ public:
 private:
     // The counts of the shared buffers, the result's earlier buffer and the policy.
     std::vector<int> Counts() const {
-        std::vector<int> counts{mEarlier->Interface_GetCount(), mPolicy->Interface_GetCount()};
-        for (IDataRef* const buffer : mBuffers) {
-            counts.push_back(buffer->Interface_GetCount());
-        }
+        std::vector<int> counts = mValues.Counts();
+        counts.push_back(mEarlier->Interface_GetCount());
+        counts.push_back(mPolicy->Interface_GetCount());
         return counts;
     }
 
     hardening::EntryCall mCall;
-    std::vector<IDataRef*> mBuffers;
+    hardening::CallValues const& mValues;
     minihost::EntryFunction mEntry;
     AutoRefPtr<IDataRef> mEarlier{new minihost::MemoryBuffer("what the result held before")};
     AutoRefPtr<Tavrel::IPolicy> mPolicy{new minihost::FilePolicy()};
@@ -183,7 +180,7 @@ TEST_F(AllocFailure, EveryAllocationOfEveryEntryFailsCleanly) {
     std::set<std::string> entries;
     for (hardening::EntryCall const& call : hardening::EveryEntryCall(values)) {
         entries.insert(call.entry);
-        CaseRun run(call, values.Buffers());
+        CaseRun run(call, values);
         long const allocations = run.Allocations();
         for (long n = 1; n <= allocations; ++n) {
             run.FailAt(n);

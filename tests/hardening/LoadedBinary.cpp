@@ -82,6 +82,14 @@ std::vector<IDataRef*> CallValues::Buffers() const {
     return {module.dataPointer(), host.dataPointer(), hidden.dataPointer()};
 }
 
+std::vector<int> CallValues::Counts() const {
+    std::vector<int> counts;
+    for (IDataRef* const buffer : Buffers()) {
+        counts.push_back(buffer->Interface_GetCount());
+    }
+    return counts;
+}
+
 std::vector<EntryCall> EveryEntryCall(CallValues& v) {
     return {
         {"size", "BinarySize", {&v.module}, 0},

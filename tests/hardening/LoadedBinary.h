@@ -24,8 +24,9 @@ Tavrel::AutoRefPtr<Tavrel::IDataRef> ModuleBuffer(std::string_view bytes);
 // its bytes), a null DATAREF, a string, a file that exists and one that does not, numbers.
 struct CallValues {
     CallValues();
-    // The three buffers that the calls share.
+    // The three buffers that the calls share, and their reference counts now.
     std::vector<Tavrel::IDataRef*> Buffers() const;
+    std::vector<int> Counts() const;
 
     minihost::Variant module, host, hidden, missing, text, file, noFile;
     minihost::Variant three, many, negative;  // 3, 500 (past every end), -1

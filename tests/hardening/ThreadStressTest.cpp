@@ -36,6 +36,7 @@ class SharedWorld {
 public:
     std::vector<hardening::EntryCall> const& Calls() const { return mCalls; }
     std::vector<IDataRef*> Buffers() const { return mValues.Buffers(); }
+    std::vector<int> Counts() const { return mValues.Counts(); }
     AutoRefPtr<Tavrel::IPolicy> const& Policy() const { return mPolicy; }
 
     // Puts made into a slot, taking over its one reference, and releases what was there.
@@ -130,10 +131,7 @@ TEST(ThreadStress, SharedBuffersAndEntriesOnSeveralThreads) {
     std::array<Tally, kThreads> tallies{};
     {
         SharedWorld world;
-        std::vector<int> countsBefore;
-        for (auto const& buffer : world.Buffers()) {
-            countsBefore.push_back(buffer->Interface_GetCount());
-        }
+        std::vector<int> const countsBefore = world.Counts();
         std::vector<std::thread> threads;
         threads.reserve(kThreads);
         for (int t = 0; t < kThreads; ++t) {
@@ -143,11 +141,7 @@ TEST(ThreadStress, SharedBuffersAndEntriesOnSeveralThreads) {
             thread.join();
         }
         int const drained = world.Drain();
-        std::vector<int> countsAfter;
-        for (auto const& buffer : world.Buffers()) {
-            countsAfter.push_back(buffer->Interface_GetCount());
-        }
-        EXPECT_EQ(countsAfter, countsBefore) << "the shared buffers keep their counts";
+        EXPECT_EQ(world.Counts(), countsBefore) << "the shared buffers keep their counts";
 
         Tally total;
         for (Tally const& tally : tallies) {
