@@ -2,8 +2,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <gtest/gtest.h>
 #include <memory>
 #include <string>
 
@@ -24,12 +22,6 @@ constexpr std::string_view kBytes =
 
 Variant HostBuffer(minihost::MemoryBufferOptions options) {
     return Variant::DataRef(AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(kBytes, options)));
-}
-
-std::string FileWith(std::string_view bytes) {
-    std::string path = testing::TempDir() + "hardening_mapped_file";
-    std::ofstream(path, std::ios::binary).write(bytes.data(), static_cast<long>(bytes.size()));
-    return path;
 }
 
 }  // namespace
@@ -72,8 +64,8 @@ CallValues::CallValues()
       hidden(HostBuffer({false, 7})),
       missing(Variant::DataRef({})),
       text(Variant::String(kBytes)),
-      file(Variant::String(FileWith(kBytes))),
-      noFile(Variant::String(testing::TempDir() + "no such file, long name")),
+      file(Variant::String(directory.Write("mapped", kBytes))),
+      noFile(Variant::String(directory.Path("no such file, long name"))),
       three(Variant::Number(3)),
       many(Variant::Number(500)),
       negative(Variant::Number(-1)) {}

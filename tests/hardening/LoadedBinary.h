@@ -9,6 +9,7 @@
 
 #include "minihost/ModuleLoader.h"
 #include "minihost/Variant.h"
+#include "tests/minihost/TestFiles.h"
 
 namespace hardening {
 
@@ -28,6 +29,7 @@ struct CallValues {
     std::vector<Tavrel::IDataRef*> Buffers() const;
     std::vector<int> Counts() const;
 
+    minihost::testing::TempDir directory;  // of the file, a fresh one for each program run
     minihost::Variant module, host, hidden, missing, text, file, noFile;
     minihost::Variant three, many, negative;  // 3, 500 (past every end), -1
 };
