@@ -55,6 +55,7 @@ TEST(Options, ReadsTheCommandLine) {
         {{"a.tvl", "b.tvl"}, "error: more than one script: 'b.tvl'"},
         {{"-e", "x", "a.tvl"}, "error: more than one script: 'a.tvl'"},
         {{"a.tvl", "-e", "x"}, "error: more than one script: '-e'"},
+        {{"-e", "x", "--eval=y"}, "error: more than one script: '-e'"},
     };
     for (Row const& row : rows) {
         std::string trace = "row";
