@@ -24,6 +24,16 @@ Variant HostBuffer(minihost::MemoryBufferOptions options) {
     return Variant::DataRef(AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(kBytes, options)));
 }
 
+// A module buffer with bytes, made by the module's ToDataRef.
+AutoRefPtr<IDataRef> ModuleBuffer(std::string_view bytes) {
+    Variant text = Variant::String(bytes);
+    Variant result;
+    Tavrel::IVariant* arguments[] = {&text};
+    minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
+    hardening::EntryOf("ToDataRef")(1, arguments, &result, hardening::Binary().Info(), &context);
+    return result.data();
+}
+
 }  // namespace
 
 minihost::LoadedModule& Binary() {
@@ -47,15 +57,6 @@ minihost::EntryFunction EntryOf(std::string_view name) {
         std::abort();
     }
     return entry;
-}
-
-AutoRefPtr<IDataRef> ModuleBuffer(std::string_view bytes) {
-    Variant text = Variant::String(bytes);
-    Variant result;
-    Tavrel::IVariant* arguments[] = {&text};
-    minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
-    EntryOf("ToDataRef")(1, arguments, &result, Binary().Info(), &context);
-    return result.data();
 }
 
 CallValues::CallValues()

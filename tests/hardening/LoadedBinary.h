@@ -18,9 +18,6 @@ minihost::LoadedModule& Binary();
 // "BinarySize" => tavrel_module_BinarySize; a name that is not an entry aborts.
 minihost::EntryFunction EntryOf(std::string_view name);
 
-// A module buffer with bytes, made by the module's ToDataRef.
-Tavrel::AutoRefPtr<Tavrel::IDataRef> ModuleBuffer(std::string_view bytes);
-
 // The argument values of the calls: buffers of the module and of the host (one that hides
 // its bytes), a null DATAREF, a string, a file that exists and one that does not, numbers.
 struct CallValues {
