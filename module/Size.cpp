@@ -1,6 +1,3 @@
-#include <string>
-
-#include "host/ErrorNames.h"
 #include "module/Operations.h"
 #include "module/Reports.h"
 
