@@ -1,6 +1,7 @@
 #include "minihost/MemoryBuffer.h"
 
 #include <cstring>
+#include <stdexcept>
 
 #include "minihost/BufferCompare.h"
 
@@ -23,6 +24,30 @@ unsigned long long DeliverableCount(unsigned long long size, unsigned long long 
     return count;
 }
 
+// What a Read that was to write n of the count bytes asked for does under fault: writes
+// (part of) the n bytes with write, then gives a count or throws.
+template <typename Write>
+unsigned long long WithFault(ReadFault fault, unsigned long long n, unsigned long long count,
+                             Write const& write) {
+    switch (fault) {
+        case ReadFault::kNone:
+            break;
+        case ReadFault::kUnderReport:
+            write(n);
+            return 0;
+        case ReadFault::kOverClaim:
+            return count;
+        case ReadFault::kOverReport:
+            write(n);
+            return count + 1;
+        case ReadFault::kThrowHalfway:
+            write(n / 2);
+            throw std::runtime_error("MemoryBuffer: a Read that fails half-way");
+    }
+    write(n);
+    return n;
+}
+
 }  // namespace
 
 MemoryBuffer::MemoryBuffer(std::string_view bytes, Options options)
@@ -41,10 +66,11 @@ unsigned long long MemoryBuffer::Interface_Read(char* destination, unsigned long
     mReadCalls.fetch_add(1);
     unsigned long long const n =
         DeliverableCount(mBytes.size(), count, offset, mOptions.maxReadChunk);
-    if (n != 0) {
-        std::memcpy(destination, mBytes.data() + offset, n);
-    }
-    return n;
+    return WithFault(mOptions.readFault, n, count, [&](unsigned long long written) {
+        if (written != 0) {
+            std::memcpy(destination, mBytes.data() + offset, written);
+        }
+    });
 }
 
 bool MemoryBuffer::Interface_IsEqual(Tavrel::IDataRef* other) const {

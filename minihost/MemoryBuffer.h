@@ -14,12 +14,23 @@
 
 namespace minihost {
 
+// How a MemoryBuffer's Read misbehaves, to play a host whose Read does not keep its word.
+// Each fault acts on the bytes the Read would deliver (after maxReadChunk).
+enum class ReadFault : unsigned char {
+    kNone,          // writes the bytes and gives their count
+    kUnderReport,   // writes the bytes and gives 0
+    kOverClaim,     // writes nothing and gives the whole count asked for
+    kOverReport,    // writes the bytes and gives more than the count asked for
+    kThrowHalfway,  // writes the first half of the bytes, then throws std::runtime_error
+};
+
 // How a MemoryBuffer presents its bytes.
 struct MemoryBufferOptions {
     // false => Interface_GetData gives null.
     bool exposeBytes = true;
     // > 0 => every Read delivers at most this many bytes; 0 => no limit.
     unsigned long long maxReadChunk = 0;
+    ReadFault readFault = ReadFault::kNone;
 };
 
 class MemoryBuffer final : public InterfaceImpl<Tavrel::IDataRef> {
@@ -44,6 +55,8 @@ public:
     void Interface_Assign(char const* bytes, unsigned long long size) override;
     // As Data: offset >= size => 0 (destination untouched); count cut to size - offset,
     // then to maxReadChunk. Size 100: (10 at 95) => 5; maxReadChunk 3: (10 at 0) => 3.
+    // Then readFault acts: size 100, (10 at 0) => kUnderReport 0, kOverClaim 10 with nothing
+    // written, kOverReport 11, kThrowHalfway 5 bytes written and a std::runtime_error.
     unsigned long long Interface_Read(char* destination, unsigned long long count,
                                       unsigned long long offset) const override;
     // Same size and same bytes, read from other in blocks; null => false.

@@ -45,8 +45,8 @@ AutoRefPtr<IDataRef> BinarySlice(AutoRefPtr<IDataRef> const& data, long long off
     if (size > total - offset) {
         size = total - offset;
     }
-    // NOTE: the range goes straight into the result with one Read, not through a temporary
-    // block: the bytes and the zeros where a short read leaves some out are the same, but a
+    // NOTE: the range goes straight into the result, zeroed first, with one Read, not through
+    // a temporary block: the bytes are the same (what the Read wrote, zero elsewhere), but a
     // block copies every byte twice and, being a transient allocation as large as the slice,
     // can make the C library's heap shrink and regrow on every call of a script loop.
     result->AppendRead(*data.get(), static_cast<unsigned long long>(size),

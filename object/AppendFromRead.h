@@ -1,6 +1,8 @@
 // AppendFromRead: appends a range of a buffer to a std::string with one Read of the whole
-// range, made straight into the string's own storage. Bytes that the Read does not deliver
-// are zero, exactly as if the string had been resized first and then read into.
+// range: the string grows by count zero bytes first, then the Read writes into them. So the
+// new bytes are exactly what the Read wrote, and zero wherever it wrote nothing, whatever
+// count it gives back: a buffer that under-reports keeps its bytes, one that claims bytes it
+// never wrote leaves zeros, never memory that nobody wrote.
 // It never splits the Read, never calls GetData and never looks at the source otherwise.
 #pragma once
 
@@ -10,23 +12,18 @@
 
 namespace Tavrel {
 
-// Appends count bytes of source from offset to bytes: one source.Read(destination, count,
-// offset), then zeroes whatever that Read did not deliver. Gives what the Read gave.
-//   "ab", Read delivers "xyz" of 3        => "abxyz", 3
-//   "ab", Read delivers "x" of 3          => "abx\0\0", 1
-//   "", offset at or past source's end    => count zero bytes, 0
-//   count 0                               => bytes unchanged, source not read, 0
-// A count that would take bytes past max_size() throws std::length_error, as resize does.
-// source must not read from bytes itself: the string is lent out while the Read runs (the
-// simple road below has no such limit).
-// The new bytes are written once: the Read goes into spare capacity, which grows
-// geometrically. Small counts take AppendFromReadByResize, whose result is the same.
-unsigned long long AppendFromRead(std::string& bytes, IDataRef const& source,
-                                  unsigned long long count, unsigned long long offset);
-
-// The simple road to the same result: resize (zeroing count new bytes), then the one Read.
-// The new bytes are written twice.
-unsigned long long AppendFromReadByResize(std::string& bytes, IDataRef const& source,
-                                          unsigned long long count, unsigned long long offset);
+// Appends count bytes of source from offset to bytes: resizes bytes by count (the new bytes
+// are zero), then makes one source.Read(first new byte, count, offset), whose result is not
+// looked at.
+//   "ab", Read writes "xyz"                    => "abxyz"
+//   "ab", Read writes "x" (gives 1, 3 or 0)    => "abx\0\0"
+//   "ab", Read writes nothing but gives 3      => "ab\0\0\0"
+//   "", offset at or past source's end         => count zero bytes
+//   count 0                                    => bytes unchanged, source not read
+//   Read throws after writing "x"              => the exception passes; bytes is "abx\0\0"
+// A count that would take bytes past max_size() throws std::length_error without reading.
+// source may be the owner of bytes: the range it reads lies below the new bytes.
+void AppendFromRead(std::string& bytes, IDataRef const& source, unsigned long long count,
+                    unsigned long long offset);
 
 }  // namespace Tavrel

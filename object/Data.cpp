@@ -102,12 +102,6 @@ void Data::PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, uns
 }
 
 void Data::AppendRead(IDataRef const& source, unsigned long long count, unsigned long long offset) {
-    // NOTE: the fast road lends the store out while the source reads; a Data appending from
-    // itself would read that lent-out store, so it takes the simple road.
-    if (&source == this) {
-        AppendFromReadByResize(mBytes, source, count, offset);
-        return;
-    }
     AppendFromRead(mBytes, source, count, offset);
 }
 

@@ -35,15 +35,15 @@ public:
     // Never null, not even when empty.
     char const* Interface_GetData() const override;
 
-    // Appends count bytes of source from offset with one Read straight into the store.
-    // Does nothing when source is empty or offset + count runs past its end (no clipping:
-    // callers clip first); count 0 makes one Read of 0 bytes and changes nothing. Bytes that
-    // source does not deliver are zero.
+    // Appends count bytes of source from offset: the store grows by count zero bytes, then
+    // one Read of source writes into them, and its result is not looked at. Does nothing
+    // when source is empty or offset + count runs past its end (no clipping: callers clip
+    // first); count 0 makes one Read of 0 bytes and changes nothing.
     void PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, unsigned long offset);
     // Appends all of source; does nothing when source is empty.
     void PushBack(AutoRefPtr<IDataRef> const& source);
-    // Appends count bytes with one source.Read(store end, count, offset), made straight into
-    // the store, with no range test of its own: what the Read does not deliver is zero.
+    // Appends count bytes as AppendFromRead does, with no range test of its own: the new
+    // bytes are what one source.Read(store end, count, offset) wrote, zero elsewhere.
     //   "ab", source "xyz", 3 at 0 => "abxyz"     "ab", source "xyz", 3 at 2 => "abz\0\0"
     //   count 0 => unchanged, source not read    source this same Data => as for any other
     void AppendRead(IDataRef const& source, unsigned long long count, unsigned long long offset);
