@@ -8,14 +8,20 @@
 //    missing, a number is negative, or the host gave no file (severity 2, module "Binary");
 //  - argument buffers keep their bytes and their counts, a new result buffer is held by the
 //    result variant alone, and every host buffer and user object is gone once the values of
-//    the call are.
+//    the call are;
+//  - the bytes of a string or buffer made from a range are what the host buffer's one Read
+//    wrote there and zero elsewhere, also when that Read lies about its count; a Read that
+//    throws passes through the entry and leaves the result variant untouched.
 // A broken rule aborts with a message, which libFuzzer records as a crash.
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <limits>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +46,7 @@ using Tavrel::IDataRef;
 constexpr int kMaxArguments = 5;
 constexpr std::size_t kMaxBufferBytes = 64;
 constexpr std::size_t kMaxStringBytes = 64;
+constexpr std::size_t kMaxLongBufferBytes = 12 * 1024;
 
 using fuzz::Require;
 
@@ -109,8 +116,12 @@ EntryTraits TraitsOf(std::string_view entry) {
     return {!fromString && !isMapFile, isMapFile, isCopy};
 }
 
-// All bytes of a buffer, read in as many pieces as it delivers.
+// All bytes of a buffer: a host buffer's own, whatever its Read does; any other read in as
+// many pieces as it delivers.
 std::string BytesOf(IDataRef const& buffer) {
+    if (auto const* host = dynamic_cast<minihost::MemoryBuffer const*>(&buffer)) {
+        return host->bytes();
+    }
     std::string bytes(buffer.GetSize(), '\0');
     unsigned long long done = 0;
     while (done < bytes.size()) {
@@ -164,6 +175,7 @@ enum class ArgumentKind {
     kHostBuffer,
     kHiddenHostBuffer,
     kChunkedHostBuffer,
+    kFaultyHostBuffer,
     kUserObject,
     kUserWithoutObject,
     kOtherType,
@@ -196,8 +208,27 @@ AutoRefPtr<IDataRef> ModuleBuffer(std::string_view bytes) {
     return result.data();
 }
 
-AutoRefPtr<IDataRef> HostBuffer(std::string_view bytes, bool expose, unsigned long long chunk) {
-    return AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(bytes, {expose, chunk}));
+AutoRefPtr<IDataRef> HostBuffer(std::string_view bytes, bool expose, unsigned long long chunk,
+                                minihost::ReadFault fault = minihost::ReadFault::kNone) {
+    return AutoRefPtr<IDataRef>(new minihost::MemoryBuffer(bytes, {expose, chunk, fault}));
+}
+
+// bytes, or, as the input chooses, bytes repeated to a length of up to 12 KiB (byte values
+// counting up when bytes is empty), so that ranges of more than a page are read too.
+std::string Lengthened(std::string const& bytes, FuzzedDataProvider& input) {
+    if (!input.ConsumeBool()) {
+        return bytes;
+    }
+    std::string longer(input.ConsumeIntegralInRange<std::size_t>(0, kMaxLongBufferBytes), '\0');
+    for (std::size_t i = 0; i < longer.size(); ++i) {
+        longer[i] = bytes.empty() ? static_cast<char>(i + 1) : bytes[i % bytes.size()];
+    }
+    return longer;
+}
+
+minihost::ReadFault FuzzedFault(FuzzedDataProvider& input) {
+    return static_cast<minihost::ReadFault>(
+        input.ConsumeIntegralInRange<int>(0, static_cast<int>(minihost::ReadFault::kThrowHalfway)));
 }
 
 // Makes the value of one place; the shape says what the binding can see of it.
@@ -238,6 +269,10 @@ void AddArgument(FuzzedDataProvider& input, CallSetup& setup) {
             break;
         case ArgumentKind::kChunkedHostBuffer:
             buffer = HostBuffer(bytes, input.ConsumeBool(), input.ConsumeIntegralInRange(1, 7));
+            break;
+        case ArgumentKind::kFaultyHostBuffer:
+            buffer = HostBuffer(Lengthened(bytes, input), false, input.ConsumeIntegralInRange(0, 7),
+                                FuzzedFault(input));
             break;
         case ArgumentKind::kUserObject:
             value = minihost::Variant::UserDefined(
@@ -329,6 +364,117 @@ void CheckEmptyValue(minihost::Variant const& result, fuzz::Signature const& sig
             "a failed binding stores the empty value", signature.entry);
 }
 
+// A script number as the binding hands it on: NaN => 0, beyond long long => the nearest
+// limit, otherwise truncated toward zero.
+long long Bound(double number) {
+    if (std::isnan(number)) {
+        return 0;
+    }
+    if (number >= 9223372036854775808.0) {
+        return std::numeric_limits<long long>::max();
+    }
+    if (number <= -9223372036854775808.0) {
+        return std::numeric_limits<long long>::min();
+    }
+    return static_cast<long long>(number);
+}
+
+// A range of an argument buffer that an entry reads with one Read.
+struct ReadRange {
+    std::size_t place;
+    unsigned long long offset, count;
+};
+using Ranges = std::vector<ReadRange>;
+
+// The range of place's buffer from offset for count as the operations cut it: none for a
+// missing buffer, a negative number, an offset at or past the end or a count of 0.
+Ranges Clipped(CallSetup const& setup, std::size_t place, long long offset, long long count) {
+    long long const total = static_cast<long long>(setup.bufferBytes[place].size());
+    if (!setup.buffers[place] || offset < 0 || count < 0 || offset >= total || count == 0) {
+        return {};
+    }
+    return {{place, static_cast<unsigned long long>(offset),
+             static_cast<unsigned long long>(std::min(count, total - offset))}};
+}
+
+Ranges Whole(CallSetup const& setup, std::size_t place) {
+    return Clipped(setup, place, 0, std::numeric_limits<long long>::max());
+}
+
+Ranges Joined(Ranges first, Ranges const& second) {
+    first.insert(first.end(), second.begin(), second.end());
+    return first;
+}
+
+// The ranges whose bytes make the result of a call that bound, in order; nullopt for an
+// entry whose result is not made from ranges of its arguments.
+std::optional<Ranges> RangesOf(std::string_view entry, CallSetup const& setup) {
+    auto const number = [&setup](std::size_t place) { return Bound(setup.numbers[place]); };
+    bool const bothGiven = setup.buffers[0] && setup.buffers[1];
+    if (entry == "tavrel_module_BinaryToString") {
+        return Whole(setup, 0);
+    }
+    if (entry == "tavrel_module_BinaryPartToString" || entry == "tavrel_module_BinarySlice" ||
+        entry == "tavrel_module_BinaryCopyPart") {
+        return Clipped(setup, 0, number(1), number(2));
+    }
+    if (entry == "tavrel_module_BinarySliceRight") {
+        return Clipped(setup, 0, number(1), std::numeric_limits<long long>::max());
+    }
+    if (entry == "tavrel_module_BinaryAppend") {
+        return bothGiven ? Joined(Whole(setup, 0), Whole(setup, 1)) : Ranges{};
+    }
+    if (entry == "tavrel_module_BinaryAppendPart") {
+        return bothGiven ? Joined(Whole(setup, 0), Clipped(setup, 1, number(2), number(3)))
+                         : Ranges{};
+    }
+    return std::nullopt;
+}
+
+// What one Read of range writes into zeroed room: the first bytes that the buffer delivers
+// (all of them unless it is a host buffer with a chunk limit or a Read that writes nothing),
+// then zeros.
+std::string WrittenByRead(CallSetup const& setup, ReadRange const& range) {
+    unsigned long long written = range.count;
+    if (auto const* host =
+            dynamic_cast<minihost::MemoryBuffer const*>(setup.buffers[range.place].get())) {
+        minihost::MemoryBufferOptions const& options = host->options();
+        if (options.maxReadChunk != 0) {
+            written = std::min(written, options.maxReadChunk);
+        }
+        if (options.readFault == minihost::ReadFault::kOverClaim) {
+            written = 0;
+        }
+    }
+    return setup.bufferBytes[range.place].substr(range.offset, written) +
+           std::string(range.count - written, '\0');
+}
+
+bool ThrowsOnRead(IDataRef const* buffer) {
+    auto const* host = dynamic_cast<minihost::MemoryBuffer const*>(buffer);
+    return host != nullptr && host->options().readFault == minihost::ReadFault::kThrowHalfway;
+}
+
+void CheckBytesMadeFromRanges(minihost::Variant const& result, fuzz::Signature const& signature,
+                              CallSetup const& setup) {
+    std::optional<Ranges> const ranges = RangesOf(signature.entry, setup);
+    if (!ranges) {
+        return;
+    }
+    std::string expected;
+    for (ReadRange const& range : *ranges) {
+        Require(!ThrowsOnRead(setup.buffers[range.place].get()),
+                "a Read that throws passes through the entry", signature.entry);
+        expected += WrittenByRead(setup, range);
+    }
+    IDataRef const* const made = result.dataPointer();
+    std::string const got = signature.result == fuzz::ScriptType::kString ? result.string()
+                            : made != nullptr                             ? BytesOf(*made)
+                                                                          : std::string();
+    Require(got == expected, "the result holds what each Read wrote and zero elsewhere",
+            signature.entry);
+}
+
 void CheckBoundValue(minihost::Variant const& result, fuzz::Signature const& signature,
                      CallSetup const& setup) {
     if (signature.result == fuzz::ScriptType::kNumber) {
@@ -362,6 +508,7 @@ void CheckResult(minihost::Variant const& result, fuzz::Signature const& signatu
         CheckEmptyValue(result, signature);
     } else {
         CheckBoundValue(result, signature, setup);
+        CheckBytesMadeFromRanges(result, signature, setup);
     }
 }
 
@@ -382,6 +529,18 @@ struct Reports {
     int count = 0;
     bool wellFormed = true;
 };
+
+// A call left by an exception: only a host buffer's throwing Read raises one, and the
+// result variant gets nothing.
+void CheckThrowFromRead(CallSetup const& setup, int count, minihost::Variant const& result,
+                        std::string const& entry) {
+    bool const throwingArgument =
+        std::any_of(setup.buffers.begin(), setup.buffers.begin() + std::max(count, 0),
+                    [](AutoRefPtr<IDataRef> const& buffer) { return ThrowsOnRead(buffer.get()); });
+    Require(throwingArgument, "only a throwing Read raises an exception", entry);
+    Require(result.assignments() == 0, "a call left by an exception stores nothing", entry);
+    CheckArgumentsUntouched(setup, entry);
+}
 
 // One call, set up, made and checked; everything it made is released on return.
 void RunOneCall(FuzzedDataProvider& input) {
@@ -413,9 +572,15 @@ void RunOneCall(FuzzedDataProvider& input) {
         setup.bufferCounts.push_back(buffer ? buffer->Interface_GetCount() : 0);
     }
 
-    unsigned int const status =
-        surface.entries[which](count, setup.pointers.data(), withResult ? &result : nullptr,
-                               surface.module->Info(), &context);
+    unsigned int status = 0;
+    try {
+        status =
+            surface.entries[which](count, setup.pointers.data(), withResult ? &result : nullptr,
+                                   surface.module->Info(), &context);
+    } catch (std::runtime_error const&) {
+        CheckThrowFromRead(setup, count, result, signature.entry);
+        return;
+    }
 
     Require(status == fuzz::PredictStatus(signature, count, setup.shapes),
             "the status word follows the binding rules", signature.entry);

@@ -117,14 +117,15 @@ TEST(ReadRoads, ResultHoldsWhatReadWroteAndZeroElsewhere) {
                 std::vector<Variant> arguments = ArgumentsOf(road, host, head);
                 LeaveHeapDirty();
                 moduletest::CallResult const call = moduletest::Call(road.entry, arguments);
-                std::string const expected = (road.appendsToFirst ? head : "") +
-                                             Written(road.offset, road.count, fault.chunk,
-                                                     fault.fault);
+                std::string const expected =
+                    (road.appendsToFirst ? head : "") +
+                    Written(road.offset, road.count, fault.chunk, fault.fault);
                 std::string const got = BytesOfResult(call.result);
                 EXPECT_EQ(call.status, 0u);
                 EXPECT_TRUE(call.reports.empty());
                 EXPECT_TRUE(got == expected)
-                    << "sizes " << got.size() << " / " << expected.size() << ", first difference at "
+                    << "sizes " << got.size() << " / " << expected.size()
+                    << ", first difference at "
                     << std::mismatch(got.begin(), got.end(), expected.begin(), expected.end())
                                .first -
                            got.begin();
@@ -141,8 +142,8 @@ TEST(ReadRoads, ReadThatThrowsHalfWayPassesThroughAndLeavesNothing) {
             SCOPED_TRACE(std::string(road.entry) + ", size " + std::to_string(size));
             long const liveBefore = MemoryBuffer::LiveCount();
             {
-                AutoRefPtr<MemoryBuffer> host(new MemoryBuffer(
-                    kBytes.substr(0, size), {false, 0, ReadFault::kThrowHalfway}));
+                AutoRefPtr<MemoryBuffer> host(
+                    new MemoryBuffer(kBytes.substr(0, size), {false, 0, ReadFault::kThrowHalfway}));
                 std::vector<Variant> arguments = ArgumentsOf(road, host, "head");
                 std::vector<Tavrel::IVariant*> pointers;
                 for (Variant& argument : arguments) {

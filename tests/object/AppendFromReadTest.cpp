@@ -61,8 +61,7 @@ TEST(AppendFromRead, ReadThatThrowsLeavesWhatItWroteAndZeros) {
     for (unsigned long long count : {10ULL, 10000ULL}) {
         std::string bytes = "ab";
         EXPECT_THROW(Tavrel::AppendFromRead(bytes, *source.get(), count, 0), std::runtime_error);
-        EXPECT_TRUE(bytes == "ab" + kBig.substr(0, count / 2) + Zeros(count - count / 2))
-            << count;
+        EXPECT_TRUE(bytes == "ab" + kBig.substr(0, count / 2) + Zeros(count - count / 2)) << count;
     }
 }
 
