@@ -1,8 +1,9 @@
 // FilePolicy: the stand-in host's policy for Binary.MapFile. LoadData opens a path
 // read-only and hands back a FileBuffer over it when it is a regular file; anything else
 // (missing, directory, FIFO, device, socket, unreadable) gives no data. It never blocks
-// on a FIFO and never reads the file itself. Which paths may be opened at all is decided
-// by Allows, which a stricter policy (a sandbox) overrides; this one allows every path.
+// on a FIFO and never reads the file itself. How a path is opened, and so which files may
+// be opened at all, is decided by OpenForReading, which a stricter policy (a sandbox)
+// overrides; this one opens every path the user can read.
 #pragma once
 
 #include <atomic>
@@ -20,7 +21,7 @@ public:
 
     // A new FileBuffer (one reference, which the caller adopts) over the regular file at
     // path, or null:
-    //   null path, or Allows(path) false             => null
+    //   null path, or OpenForReading(path) gives -1  => null
     //   "" / missing / unreadable                     => null
     //   "/" / a directory, a FIFO, a character device, a socket => null, without blocking
     //   a regular file, empty or not                  => a buffer of the file's size
@@ -30,8 +31,12 @@ public:
     int loadCalls() const { return mLoadCalls.load(); }
 
 protected:
-    // Whether path (never null) may be opened at all. This policy allows every path.
-    virtual bool Allows(char const* path) const;
+    // A new read-only descriptor (close-on-exec, not blocking, never the controlling
+    // terminal) for path (never null), or -1. This policy opens every path as the system
+    // looks it up, symbolic links followed; an override may refuse any path, and must not
+    // block either.
+    //   "" / missing / unreadable => -1;  a FIFO without a writer => a descriptor, at once
+    virtual int OpenForReading(char const* path) const;
 
 private:
     std::atomic<int> mLoadCalls{0};

@@ -1,10 +1,15 @@
 // SandboxPolicy: the policy that keeps a script's Binary.MapFile inside the directories it
-// is allowed. A path is first made absolute (a relative one against the base directory, the
-// script's own) and resolved on the real file system, symbolic links and ".." followed, and
-// only then checked: it must lie under one of the allowed directories by whole path
-// components, so "/tmp/ab" is not under "/tmp/a". A refused path gives no data, as a missing
-// file does, and the module reports it. It opens the resolved path, never the given text.
-// It does not watch the file system: a directory renamed after the check is not noticed.
+// is allowed. A path is made absolute (a relative one against the base directory, the
+// script's own) and looked up once, symbolic links and ".." followed, into a descriptor that
+// only names the file: nothing is opened for reading yet, so no device or FIFO is touched.
+// The check is made on that descriptor: the file must be a regular one, and the real path
+// the system gives for it must lie under one of the allowed directories by whole path
+// components, so "/tmp/ab" is not under "/tmp/a". Only then is that same file opened for
+// reading, through the descriptor, never by its name again: a directory swapped for a link
+// between the check and the open cannot bring in a file from elsewhere, since what is
+// checked is what is read. Without /proc, where the system tells the path behind a
+// descriptor, every path is refused. A refused path gives no data, as a missing file does,
+// and the module reports it.
 #pragma once
 
 #include <string>
@@ -21,8 +26,15 @@ namespace minihost {
 //   (any, "") or a path with no file behind it => false
 bool ResolveRealPath(std::string const& base, std::string const& path, std::string& resolved);
 
-// Whether resolved (an absolute path as ResolveRealPath gives it) lies in directory, itself
-// resolved, or is that directory.
+// The real path of the file behind the open descriptor fd, as the system names it now, or
+// false when it cannot tell (no /proc, a closed descriptor, a path too long to give).
+//   fd of "/tmp/a/f" opened through a link "/tmp/l" -> "/tmp/a" => "/tmp/a/f"
+//   the file renamed to "/tmp/b/f" after the open                => "/tmp/b/f"
+//   -1, or a descriptor that is not open                         => false
+bool RealPathOfDescriptor(int fd, std::string& path);
+
+// Whether resolved (an absolute path as ResolveRealPath or RealPathOfDescriptor gives it)
+// lies in directory, itself resolved, or is that directory.
 //   ("/tmp/a/x", "/tmp/a") => true;  ("/tmp/a", "/tmp/a") => true;  ("/tmp/ab", "/tmp/a")
 //   => false;  ("/x", "/") => true;  ("/tmp/a\\x", "/tmp/a") => false (a backslash is an
 //   ordinary byte of a file name here)
@@ -38,15 +50,22 @@ public:
     // The allowed directories as resolved.
     std::vector<std::string> const& allowedDirectories() const { return mAllowed; }
 
-    // Resolves path against the base, then loads the resolved path as FilePolicy does (which
-    // asks Allows). Null path => null; a path that does not resolve => null.
-    Tavrel::IDataRef* Interface_LoadData(Tavrel::IContext* context, char const* path) override;
-
 protected:
-    // Resolves path against the base and checks it against the allowed directories.
-    bool Allows(char const* path) const override;
+    // Opens path, read against the base, for reading when the file it names is a regular
+    // file under an allowed directory (any file with allowAll), else -1.
+    //   "sub/f", a file under an allowed directory => a descriptor
+    //   a link to a file outside, "../x" leaving, a missing file, "", "." => -1
+    //   a FIFO or a device under an allowed directory => -1, never opened for reading
+    //   (with allowAll it is opened as FilePolicy does, which then refuses it)
+    int OpenForReading(char const* path) const override;
 
 private:
+    // Whether found (a descriptor naming a file) has its real path under an allowed
+    // directory.
+    bool IsAllowed(int found) const;
+    // A new read-only descriptor for the very file found names, or -1.
+    int Reopen(int found) const;
+
     std::string mBase;
     std::vector<std::string> mAllowed;
     bool mAllowAll;

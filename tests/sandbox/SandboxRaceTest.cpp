@@ -1,0 +1,124 @@
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <utility>
+
+#include "minihost/Context.h"
+#include "minihost/SandboxPolicy.h"
+#include "object/AutoRefPtr.h"
+#include "tests/minihost/TestFiles.h"
+
+namespace minihost {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Swaps the two names a and b atomically (RENAME_EXCHANGE): true when done.
+bool Exchange(std::string const& a, std::string const& b) {
+    return ::renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE) == 0;
+}
+
+// A thread that swaps a and b over and over until the object goes.
+class Swapper {
+public:
+    Swapper(std::string a, std::string b)
+        : mA(std::move(a)), mB(std::move(b)), mThread([this] { Run(); }) {}
+    ~Swapper() { Stop(); }
+    Swapper(Swapper const&) = delete;
+    Swapper& operator=(Swapper const&) = delete;
+
+    // Stops the thread and gives how many swaps it made.
+    long Stop() {
+        mStop.store(true);
+        if (mThread.joinable()) {
+            mThread.join();
+        }
+        return mSwaps.load();
+    }
+
+private:
+    void Run() {
+        while (!mStop.load()) {
+            if (Exchange(mA, mB)) {
+                mSwaps.fetch_add(1);
+            }
+        }
+    }
+
+    std::string mA, mB;
+    std::atomic<bool> mStop{false};
+    std::atomic<long> mSwaps{0};
+    std::thread mThread;
+};
+
+// All the bytes of data.
+std::string Bytes(Tavrel::IDataRef const& data) {
+    std::string bytes(data.GetSize(), '\0');
+    bytes.resize(data.Read(bytes.data(), bytes.size(), 0));
+    return bytes;
+}
+
+// The sandbox must read the file it checked. One thread swaps the real directory allowed/d
+// (holding f, "inside") with allowed/link, a link to outside (holding f, "SECRET"), while
+// loads of "d/f" run: a load that checks the path and then opens it again by name would at
+// times open outside/f.
+TEST(SandboxPolicy, NeverServesTheOutsideWhileADirectoryIsSwappedForALink) {
+    testing::TempDir tree;
+    fs::create_directories(tree.Path("allowed/d"));
+    fs::create_directories(tree.Path("outside"));
+    tree.Write("allowed/d/f", "inside");
+    tree.Write("outside/f", "SECRET");
+    fs::create_directory_symlink("../outside", tree.Path("allowed/link"));
+    std::string const d = tree.Path("allowed/d");
+    std::string const link = tree.Path("allowed/link");
+    if (!Exchange(d, link)) {
+        ASSERT_TRUE(errno == EINVAL || errno == ENOSYS) << std::strerror(errno);
+        GTEST_SKIP() << "the file system cannot exchange two names (renameat2): "
+                     << std::strerror(errno);
+    }
+    ASSERT_TRUE(Exchange(d, link)) << std::strerror(errno);
+
+    SandboxPolicy policy(tree.Path("allowed"), {tree.Path("allowed")}, false);
+    Context context{Tavrel::AutoRefPtr<Tavrel::IPolicy>()};
+    long const descriptors = testing::OpenDescriptors();
+    long served = 0;
+    long refused = 0;
+    long leaked = 0;
+    long swaps = 0;
+    {
+        Swapper swapper(d, link);
+        auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+        for (int load = 0; load < 100000 && std::chrono::steady_clock::now() < deadline; ++load) {
+            Tavrel::AutoRefPtr<Tavrel::IDataRef> data(policy.Interface_LoadData(&context, "d/f"));
+            if (!data) {
+                ++refused;
+            } else if (Bytes(*data.get()) == "inside") {
+                ++served;
+            } else {
+                ++leaked;
+            }
+        }
+        swaps = swapper.Stop();
+    }
+    RecordProperty("served", std::to_string(served));
+    RecordProperty("refused", std::to_string(refused));
+    RecordProperty("swaps", std::to_string(swaps));
+    EXPECT_EQ(leaked, 0) << "loads that read outside/f (" << served << " served inside)";
+    // The race really ran: the loads met both the directory and the link.
+    EXPECT_GT(served, 0);
+    EXPECT_GT(refused, 0);
+    EXPECT_GT(swaps, 0);
+    EXPECT_EQ(testing::OpenDescriptors(), descriptors) << "every refused file is closed";
+}
+
+}  // namespace
+}  // namespace minihost
