@@ -32,13 +32,18 @@ public:
     // offset >= size => 0; count cut to size - offset; then reads from the file until
     // count bytes or its current end. File shrunk to 60 of 100 bytes: (10 at 55) => 5,
     // (10 at 70) => 0. A read error ends the read: the bytes delivered so far count.
+    // NOTE: a large range is read in pieces of at most 8 MiB, so a signal (Ctrl-C) is taken
+    // within one piece instead of after the whole range.
     unsigned long long Interface_Read(char* destination, unsigned long long count,
                                       unsigned long long offset) const override;
     // Same size and same bytes, both sides read in blocks; null => false; a short read
     // on either side => false.
     bool Interface_IsEqual(Tavrel::IDataRef* other) const override;
-    // A new MemoryBuffer holding the bytes read now (fewer if the file shrank). A file larger
-    // than memory cannot be cloned: the allocation fails with std::bad_alloc.
+    // A new MemoryBuffer holding the bytes read now (fewer if the file shrank: 100 bytes at
+    // open, 60 now => 60 bytes). The bytes are read once into the clone's own storage, so
+    // cloning needs memory for the file's size once, not twice; a clone that got less than
+    // an eighth of that gives the spare room back. A file larger than memory cannot be
+    // cloned: the allocation fails with std::bad_alloc.
     Tavrel::IDataRef* Interface_Clone() const override;
     // NOTE: always null, also after Assign: a file buffer never exposes its bytes, so
     // readers always take the Read path with it.

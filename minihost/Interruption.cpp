@@ -29,8 +29,14 @@ void SetAction(void (*handler)(int), int flags) {
 
 void ArmInterruption(Context& context) {
     gInterrupted.store(&context);
-    // NOTE: SA_RESETHAND makes the handler one-shot; without SA_RESTART a blocked read
-    // returns EINTR instead of going on waiting.
+    // NOTE: SA_RESETHAND makes the handler one-shot: the kernel puts back the default action
+    // as it delivers the first SIGINT, and SIGINT stays blocked while the handler runs, so any
+    // later one ends the program with the usual status, with no state in the handler. A
+    // handler that counted its calls would add nothing: the one case that fails is two SIGINT
+    // arriving while the first is still pending (inside one long system call), which the kernel
+    // merges into one delivery that no handler can count. That case is kept short instead:
+    // FileBuffer reads at most 8 MiB per call, so a signal waits milliseconds, not a whole
+    // large read. Without SA_RESTART a blocked read returns EINTR instead of going on waiting.
     SetAction(&OnInterrupt, SA_RESETHAND);
 }
 

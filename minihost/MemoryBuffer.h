@@ -7,6 +7,7 @@
 #include <atomic>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "minihost/LiveCount.h"
 #include "object/IDataRef.h"
@@ -39,6 +40,13 @@ public:
 
     // A buffer with a copy of bytes, NUL bytes included; its count starts at 1.
     explicit MemoryBuffer(std::string_view bytes, Options options = {});
+    // Selects the constructor below; a plain string argument would make the call ambiguous
+    // with the one above for string literals.
+    struct MoveBytesIn {};
+    // A buffer that takes over bytes (moved from, not copied), so a large content exists
+    // once; otherwise as above.
+    MemoryBuffer(MoveBytesIn /*tag*/, std::string&& bytes, Options options = {})
+        : mBytes(std::move(bytes)), mOptions(options) {}
 
     // Host-side readers.
     std::string const& bytes() const { return mBytes; }

@@ -1,6 +1,11 @@
+#include <poll.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
 
 #include "minihost/FileBuffer.h"
 #include "minihost/FilePolicy.h"
@@ -56,8 +61,93 @@ TEST(FileBuffer, AFileThatShrinksGivesShortReads) {
     EXPECT_EQ(buffer->GetSize(), 100u) << "the size at open";
     EXPECT_EQ(ReadRange(buffer, 10, 55).size(), 5u);
     EXPECT_EQ(ReadRange(buffer, 10, 70).size(), 0u);
-    EXPECT_EQ(buffer->Clone()->GetSize(), 60u);
     EXPECT_FALSE(buffer->Interface_IsEqual(InMemory(content).get()));
+}
+
+TEST(FileBuffer, ACloneOfAShrunkFileHoldsExactlyWhatWasRead) {
+    struct Row {
+        unsigned long long atOpen;
+        unsigned long long now;
+    };
+    for (Row const row : {Row{100, 60}, Row{1 << 20, 10}}) {
+        testing::TempDir dir;
+        std::string const path = dir.Write("f", std::string(row.atOpen, 'a'));
+        AutoRefPtr<IDataRef> buffer = Load(path);
+        ASSERT_TRUE(buffer);
+        std::filesystem::resize_file(path, row.now);
+        AutoRefPtr<IDataRef> const clone = buffer->Clone();
+        auto const& bytes = static_cast<MemoryBuffer*>(clone.get())->bytes();
+        EXPECT_EQ(bytes, std::string(row.now, 'a')) << row.atOpen << " => " << row.now;
+        EXPECT_LT(bytes.capacity(), row.now + row.atOpen / 2)
+            << "a clone keeps no room for bytes the file no longer has";
+    }
+}
+
+// What cloning a file in a child process took: its peak memory growth and the clone's size.
+struct CloneCost {
+    long peakGrowthKiB = -1;
+    unsigned long long cloneSize = 0;
+};
+
+long PeakKiB() {
+    rusage usage{};
+    ::getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
+// Runs in the forked child: clones the file at path and reports through fd.
+[[noreturn]] void CloneAndReport(std::string const& path, int fd) {
+    CloneCost cost;
+    AutoRefPtr<IDataRef> const buffer = Load(path);
+    long const before = PeakKiB();
+    AutoRefPtr<IDataRef> const clone = buffer ? buffer->Clone() : AutoRefPtr<IDataRef>();
+    cost.peakGrowthKiB = PeakKiB() - before;
+    cost.cloneSize = clone ? clone->GetSize() : 0;
+    bool const sent = ::write(fd, &cost, sizeof cost) == static_cast<ssize_t>(sizeof cost);
+    ::_exit(sent ? 0 : 1);
+}
+
+// NOTE: ru_maxrss is the high-water mark of the whole process, which the other tests of this
+// program have already raised; a fresh child starts from its current size.
+CloneCost MeasureCloneInChild(std::string const& path) {
+    int fds[2];
+    if (::pipe(fds) != 0) {
+        return {};
+    }
+    pid_t const child = ::fork();
+    if (child == 0) {
+        ::close(fds[0]);
+        CloneAndReport(path, fds[1]);
+    }
+    ::close(fds[1]);
+    CloneCost cost;
+    pollfd ready{fds[0], POLLIN, 0};
+    if (child > 0 && ::poll(&ready, 1, 120000) == 1 &&
+        ::read(fds[0], &cost, sizeof cost) != static_cast<ssize_t>(sizeof cost)) {
+        cost = {};
+    }
+    ::close(fds[0]);
+    if (child > 0) {
+        ::kill(child, SIGKILL);
+        ::waitpid(child, nullptr, 0);
+    }
+    return cost;
+}
+
+TEST(FileBuffer, CloningAFileNeedsItsSizeInMemoryOnce) {
+    testing::TempDir dir;
+    unsigned long long const size = 256ULL << 20;
+    std::string const path = dir.Path("sparse");
+    dir.Write("sparse", "");
+    std::filesystem::resize_file(path, size);  // a hole: no disk used, reads give zeros
+    CloneCost const cost = MeasureCloneInChild(path);
+    ASSERT_GE(cost.peakGrowthKiB, 0) << "the child reported nothing";
+    EXPECT_EQ(cost.cloneSize, size);
+    long const sizeKiB = static_cast<long>(size >> 10);
+    RecordProperty("peakGrowthMiB", static_cast<int>(cost.peakGrowthKiB >> 10));
+    EXPECT_LE(cost.peakGrowthKiB, sizeKiB * 6 / 5 + (16 << 10))
+        << "peak growth " << (cost.peakGrowthKiB >> 10) << " MiB for a clone of " << (sizeKiB >> 10)
+        << " MiB";
 }
 
 TEST(FileBuffer, AssignMovesTheContentToMemoryAndClosesTheFile) {
