@@ -1,5 +1,8 @@
+#include <optional>
+
 #include "host/ErrorNames.h"
 #include "module/Operations.h"
+#include "module/Range.h"
 #include "module/Reports.h"
 #include "object/Data.h"
 
@@ -9,6 +12,8 @@ using Tavrel::IContext;
 using Tavrel::IDataRef;
 
 namespace {
+
+constexpr Tavrel::RangeWords kAppendRange{"Cannot append with negative offset or count.", "Count"};
 
 // Reports a missing argument, the first one before the second; true when one was missing.
 bool ReportMissingArgument(AutoRefPtr<IDataRef> const& first, AutoRefPtr<IDataRef> const& second,
@@ -64,20 +69,10 @@ AutoRefPtr<IDataRef> BinaryAppendPart(AutoRefPtr<IDataRef> const& first,
     }
     // NOTE: first goes in before the numbers are looked at, so a bad range still gives it.
     result->PushBack(first);
-    if (offset < 0 || count < 0) {
-        Tavrel::ReportError(
-            context, Tavrel::TavrelError::InvalidArgument(),
-            Tavrel::NegativeRangeReason("Cannot append with negative offset or count.", offset,
-                                        "Count", count));
-        return result;
+    std::optional<Tavrel::ByteRange> const range = Tavrel::TakeRange(
+        context, kAppendRange, offset, count, [&second] { return second->GetSize(); });
+    if (range && range->count > 0) {
+        result->PushBack(second, range->count, range->offset);
     }
-    long long const total = static_cast<long long>(second->GetSize());
-    if (offset >= total || count == 0) {
-        return result;
-    }
-    if (count > total - offset) {
-        count = total - offset;
-    }
-    result->PushBack(second, static_cast<unsigned long>(count), static_cast<unsigned long>(offset));
     return result;
 }

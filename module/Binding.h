@@ -57,9 +57,8 @@ inline constexpr bool kIsDataRef = std::is_same_v<T, AutoRefPtr<IDataRef>>;
 
 // Arithmetic holders other than double, float and bool take a script NUMBER.
 template <class T>
-inline constexpr bool kIsIntegralNumber =
-    std::is_arithmetic_v<T> && !std::is_same_v<T, double> && !std::is_same_v<T, float> &&
-    !std::is_same_v<T, bool>;
+inline constexpr bool kIsIntegralNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, double> &&
+                                          !std::is_same_v<T, float> && !std::is_same_v<T, bool>;
 
 // Arithmetic results other than bool go back as a script NUMBER.
 template <class R>
@@ -214,8 +213,8 @@ public:
         if (binding_detail::CheckAndConvert<T>(variant, holder)) {
             return;
         }
-        mError = MakeStatusWord(mIndex, IsEmptyUserDefined(variant) ? kEmptyUserDefined
-                                                                    : kWrongArgument);
+        mError = MakeStatusWord(mIndex,
+                                IsEmptyUserDefined(variant) ? kEmptyUserDefined : kWrongArgument);
     }
 
     // The context takes no script argument and is stored even after a failure.
@@ -301,7 +300,7 @@ using Holder = std::remove_cv_t<std::remove_reference_t<P>>;
 
 template <class P>
 inline constexpr bool kIsByConstReference =
-    std::is_lvalue_reference_v<P> && std::is_const_v<std::remove_reference_t<P>>;
+    std::is_lvalue_reference_v<P>&& std::is_const_v<std::remove_reference_t<P>>;
 
 // Checks one parameter of a typed function; the messages speak to whoever adds an entry.
 template <class P>
@@ -334,10 +333,10 @@ constexpr bool ContextOnlyLast() {
 
 template <class R>
 constexpr bool CheckResult() {
-    static_assert(std::is_same_v<R, unsigned long> || std::is_same_v<R, std::string> ||
-                      kIsDataRef<R>,
-                  "A typed function returns unsigned long (NUMBER), std::string (STRING) or "
-                  "AutoRefPtr<IDataRef> (DATAREF).");
+    static_assert(
+        std::is_same_v<R, unsigned long> || std::is_same_v<R, std::string> || kIsDataRef<R>,
+        "A typed function returns unsigned long (NUMBER), std::string (STRING) or "
+        "AutoRefPtr<IDataRef> (DATAREF).");
     return true;
 }
 
@@ -367,13 +366,11 @@ template <class R, class... P>
 TAVREL_BINDING_INLINE unsigned int CallEntry(R (*function)(P...), int count, IVariant** arguments,
                                              IVariant* result, IModuleInfo* info,
                                              IContext* context) {
-    static_assert(binding_detail::CheckResult<R>() &&
-                  (binding_detail::CheckParameter<P>() && ...));
+    static_assert(binding_detail::CheckResult<R>() && (binding_detail::CheckParameter<P>() && ...));
     static_assert(binding_detail::ContextOnlyLast<P...>(),
                   "IContext* must be the last parameter of a typed function.");
     R (*const local)(P...) = function;
-    binding_detail::HolderPack<std::index_sequence_for<P...>, binding_detail::Holder<P>...>
-        holders;
+    binding_detail::HolderPack<std::index_sequence_for<P...>, binding_detail::Holder<P>...> holders;
     // NOTE: the caller takes the context before the module information, the reverse of
     // the entry's own order.
     CPPNameFunctionCaller<R> caller(arguments, count, result, context, info);

@@ -1,5 +1,7 @@
-#include "host/ErrorNames.h"
+#include <optional>
+
 #include "module/Operations.h"
+#include "module/Range.h"
 #include "module/Reports.h"
 #include "object/Data.h"
 
@@ -7,6 +9,12 @@ using Tavrel::AutoRefPtr;
 using Tavrel::Data;
 using Tavrel::IContext;
 using Tavrel::IDataRef;
+
+namespace {
+
+constexpr Tavrel::RangeWords kCopyRange{"Cannot copy with negative offset or count.", "Count"};
+
+}  // namespace
 
 AutoRefPtr<IDataRef> BinaryCopy(AutoRefPtr<IDataRef> const& data, IContext* context) {
     if (!data) {
@@ -23,20 +31,10 @@ AutoRefPtr<IDataRef> BinaryCopyPart(AutoRefPtr<IDataRef> const& data, long long 
         return AutoRefPtr<IDataRef>(nullptr);
     }
     AutoRefPtr<Data> result(new Data());
-    if (offset < 0 || count < 0) {
-        Tavrel::ReportError(
-            context, Tavrel::TavrelError::InvalidArgument(),
-            Tavrel::NegativeRangeReason("Cannot copy with negative offset or count.", offset,
-                                        "Count", count));
-        return result;
+    std::optional<Tavrel::ByteRange> const range =
+        Tavrel::TakeRange(context, kCopyRange, offset, count, [&data] { return data->GetSize(); });
+    if (range && range->count > 0) {
+        result->PushBack(data, range->count, range->offset);
     }
-    long long const total = static_cast<long long>(data->GetSize());
-    if (offset >= total || count == 0) {
-        return result;
-    }
-    if (count > total - offset) {
-        count = total - offset;
-    }
-    result->PushBack(data, static_cast<unsigned long>(count), static_cast<unsigned long>(offset));
     return result;
 }

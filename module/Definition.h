@@ -82,7 +82,8 @@ char AppendDefinition(std::string& text, R (*)(P...), char const* kind, char con
     text.append(definition_detail::ResultWordOf<R>::kWord);
     text.append(opening);
     bool first = true;
-    for (char const* word : {definition_detail::ParameterWordOf<definition_detail::Plain<P>>::kWord...}) {
+    for (char const* word :
+         {definition_detail::ParameterWordOf<definition_detail::Plain<P>>::kWord...}) {
         if (!first) {
             text.append(",");
         }

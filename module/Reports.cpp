@@ -13,12 +13,4 @@ void ReportNoBinaryData(IContext* context) {
     ReportError(context, TavrelError::InvalidUsage(), kReason_NoBinaryDataGiven);
 }
 
-std::string NegativeRangeReason(char const* lead, long long offset, char const* sizeName,
-                                long long size) {
-    std::string reason(lead);
-    reason.append(" Offset: \"").append(std::to_string(offset)).append("\" ");
-    reason.append(sizeName).append(": \"").append(std::to_string(size)).append("\"");
-    return reason;
-}
-
 }  // namespace Tavrel

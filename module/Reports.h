@@ -19,10 +19,4 @@ void ReportError(IContext* context, std::string const& error, std::string const&
 // kReason_NoBinaryDataGiven.
 void ReportNoBinaryData(IContext* context);
 
-// The reason for a negative range, numbers as they came in:
-// ("Cannot slice with negative offset or size.", -1, "Size", 5)
-//   => "Cannot slice with negative offset or size. Offset: \"-1\" Size: \"5\""
-std::string NegativeRangeReason(char const* lead, long long offset, char const* sizeName,
-                                long long size);
-
 }  // namespace Tavrel

@@ -1,7 +1,8 @@
 #include <limits>
+#include <optional>
 
-#include "host/ErrorNames.h"
 #include "module/Operations.h"
+#include "module/Range.h"
 #include "module/Reports.h"
 #include "object/Data.h"
 
@@ -11,6 +12,8 @@ using Tavrel::IContext;
 using Tavrel::IDataRef;
 
 namespace {
+
+constexpr Tavrel::RangeWords kSliceRange{"Cannot slice with negative offset or size.", "Size"};
 
 // total - offset for an offset below total; saturates instead of overflowing when a
 // negative offset lies far below (offset -2^63 on a buffer of 10 bytes).
@@ -31,26 +34,16 @@ AutoRefPtr<IDataRef> BinarySlice(AutoRefPtr<IDataRef> const& data, long long off
         Tavrel::ReportNoBinaryData(context);
         return result;
     }
-    if (offset < 0 || size < 0) {
-        Tavrel::ReportError(
-            context, Tavrel::TavrelError::InvalidArgument(),
-            Tavrel::NegativeRangeReason("Cannot slice with negative offset or size.", offset,
-                                        "Size", size));
-        return result;
+    std::optional<Tavrel::ByteRange> const range =
+        Tavrel::TakeRange(context, kSliceRange, offset, size, [&data] { return data->GetSize(); });
+    if (range) {
+        // NOTE: the range goes straight into the result, zeroed first, with one Read, not
+        // through a temporary block: the bytes are the same (what the Read wrote, zero
+        // elsewhere), but a block copies every byte twice and, being a transient allocation as
+        // large as the slice, can make the C library's heap shrink and regrow on every call of
+        // a script loop.
+        result->AppendRead(*data.get(), range->count, range->offset);
     }
-    long long const total = static_cast<long long>(data->GetSize());
-    if (offset >= total || size == 0) {
-        return result;
-    }
-    if (size > total - offset) {
-        size = total - offset;
-    }
-    // NOTE: the range goes straight into the result, zeroed first, with one Read, not through
-    // a temporary block: the bytes are the same (what the Read wrote, zero elsewhere), but a
-    // block copies every byte twice and, being a transient allocation as large as the slice,
-    // can make the C library's heap shrink and regrow on every call of a script loop.
-    result->AppendRead(*data.get(), static_cast<unsigned long long>(size),
-                       static_cast<unsigned long long>(offset));
     return result;
 }
 

@@ -1,13 +1,20 @@
+#include <optional>
 #include <string>
 
-#include "host/ErrorNames.h"
 #include "module/Operations.h"
+#include "module/Range.h"
 #include "module/Reports.h"
 #include "object/AppendFromRead.h"
 
 using Tavrel::AutoRefPtr;
 using Tavrel::IContext;
 using Tavrel::IDataRef;
+
+namespace {
+
+constexpr Tavrel::RangeWords kPartToStringRange{"Cannot convert binary part to string.", "Size"};
+
+}  // namespace
 
 std::string BinaryPartToString(AutoRefPtr<IDataRef> const& data, long long offset, long long size,
                                IContext* context) {
@@ -16,21 +23,12 @@ std::string BinaryPartToString(AutoRefPtr<IDataRef> const& data, long long offse
         Tavrel::ReportNoBinaryData(context);
         return result;
     }
-    if (offset < 0 || size < 0) {
-        Tavrel::ReportError(context, Tavrel::TavrelError::InvalidArgument(),
-                            Tavrel::NegativeRangeReason("Cannot convert binary part to string.",
-                                                        offset, "Size", size));
-        return result;
+    std::optional<Tavrel::ByteRange> const range = Tavrel::TakeRange(
+        context, kPartToStringRange, offset, size, [&data] { return data->GetSize(); });
+    if (range) {
+        // One Read of the whole range into the result; what it does not write stays zero.
+        Tavrel::AppendFromRead(result, *data.get(), range->count, range->offset);
     }
-    // NOTE: a size beyond the signed range turns negative here and reads as "nothing".
-    long long const total = static_cast<long long>(data->GetSize());
-    if (offset >= total || size < 1) {
-        return result;
-    }
-    long long const n = size > total - offset ? total - offset : size;
-    // One Read of the whole range straight into the result; what it leaves out is zero.
-    Tavrel::AppendFromRead(result, *data.get(), static_cast<unsigned long long>(n),
-                           static_cast<unsigned long long>(offset));
     return result;
 }
 

@@ -3,14 +3,13 @@
 //
 // NOTE: the path header comes first on purpose: its three empty constants are the first
 // static objects of this unit, before the definition text is built.
-#include "path/FSPath.h"
-
 #include <string>
 
 #include "module/Entry.h"
 #include "module/Operations.h"
 #include "module/ReplaceAllStringsInPlace.h"
 #include "module/Reports.h"
+#include "path/FSPath.h"
 
 namespace {
 
