@@ -20,18 +20,24 @@ ROWS = [
     ("Size through the entry", "BM_Size_Entry",
      "hand-written entry", "BM_Size_HandWritten", "time", 1.1),
 ]
-for size, label in ((MIB, "1 MiB"), (MIB64, "64 MiB")):
+# The roads that read a range into a new string or buffer zero it before their one Read, so
+# that the result holds exactly what the Read wrote: 0.6 at 1 MiB, 0.8 at 64 MiB. ToDataRef
+# and the whole Copy do not read through Read: 0.8 at both sizes.
+for size, label, read_target in ((MIB, "1 MiB", 0.6), (MIB64, "64 MiB", 0.8)):
     copy = "BM_StringCopy/" + size
     baseline = "std::string copy, " + label
     ROWS += [
         ("ToDataRef, " + label, "BM_ToDataRef/" + size, baseline, copy, "throughput", 0.8),
-        ("ToString, " + label, "BM_ToString/" + size, baseline, copy, "throughput", 0.8),
+        ("ToString, " + label, "BM_ToString/" + size, baseline, copy, "throughput",
+         read_target),
         ("Binary.Copy whole, " + label, "BM_CopyWhole/" + size, baseline, copy, "throughput",
          0.8),
         ("Binary.Copy range, " + label, "BM_CopyRange/" + size, baseline, copy, "throughput",
-         0.8),
-        ("Binary.Append, " + label, "BM_Append/" + size, baseline, copy, "throughput", 0.8),
-        ("Binary.Slice, " + label, "BM_Slice/" + size, baseline, copy, "throughput", 0.45),
+         read_target),
+        ("Binary.Append, " + label, "BM_Append/" + size, baseline, copy, "throughput",
+         read_target),
+        ("Binary.Slice, " + label, "BM_Slice/" + size, baseline, copy, "throughput",
+         read_target),
     ]
 ROWS += [
     ("Data compare, other exposes bytes, 1 MiB", "BM_CompareExposed",
