@@ -91,8 +91,13 @@ void LoadSurface() {
     surface.module = minihost::LoadedModule::Load(TAVREL_FUZZ_MODULE_PATH, error);
     Require(surface.module != nullptr, error.c_str(), "module");
     auto signatures = fuzz::ParseDefinition(surface.module->Definition());
-    Require(signatures && signatures->size() == 13, "13 readable signatures", "definition");
-    for (fuzz::Signature const& signature : *signatures) {
+    std::vector<std::string_view> const entryNames = minihost::LoadedModule::EntryNames();
+    Require(signatures && signatures->size() == entryNames.size(),
+            "one readable signature per exported entry", "definition");
+    for (std::size_t i = 0; i < entryNames.size(); ++i) {
+        fuzz::Signature const& signature = (*signatures)[i];
+        Require(signature.entry == entryNames[i], "the entries in the order of the export list",
+                signature.entry);
         minihost::EntryFunction entry = surface.module->Entry(signature.entry);
         Require(entry != nullptr, "every named entry is exported", signature.entry);
         surface.entries.push_back(entry);

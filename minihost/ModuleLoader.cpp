@@ -3,16 +3,38 @@
 #include <dlfcn.h>
 
 #include <cstring>
+#include <iterator>
 #include <utility>
 
 namespace minihost {
 
 namespace {
 
+// The exported names, in the order of the export list: the fixed-text functions, then
+// GetModuleDefinition, then the entries. Generated from the module's own lists.
+constexpr std::string_view kNames[] = {
+#define TAVREL_EXPORTED_TEXT(name) #name,
+#define TAVREL_EXPORTED_DEFINITION(name) #name,
+#define TAVREL_EXPORTED_ENTRY(name) #name,
+#include "generated/ExportedNames.def"
+#undef TAVREL_EXPORTED_TEXT
+#undef TAVREL_EXPORTED_DEFINITION
+#undef TAVREL_EXPORTED_ENTRY
+};
+
+constexpr std::size_t kTextCount = 0
+#define TAVREL_EXPORTED_TEXT(name) +1
+#define TAVREL_EXPORTED_DEFINITION(name)
+#define TAVREL_EXPORTED_ENTRY(name)
+#include "generated/ExportedNames.def"
+#undef TAVREL_EXPORTED_TEXT
+#undef TAVREL_EXPORTED_DEFINITION
+#undef TAVREL_EXPORTED_ENTRY
+    ;
 constexpr std::size_t kFirstText = 0;
-constexpr std::size_t kTextCount = 14;
-constexpr std::size_t kDefinitionIndex = 14;
-constexpr std::size_t kFirstEntry = 15;
+constexpr std::size_t kDefinitionIndex = kTextCount;
+constexpr std::size_t kFirstEntry = kDefinitionIndex + 1;
+constexpr std::size_t kNameCount = std::size(kNames);
 
 // The current dlerror text, or a fallback when the loader left none.
 std::string LoaderError() {
@@ -42,8 +64,8 @@ std::string PathForDlopen(std::string const& path) {
 
 // "module '<path>' lacks N of the 28 names: a, b".
 std::string LacksNames(std::string const& path, std::vector<std::string_view> const& missing) {
-    std::string text =
-        "module '" + path + "' lacks " + std::to_string(missing.size()) + " of the 28 names: ";
+    std::string text = "module '" + path + "' lacks " + std::to_string(missing.size()) + " of the " +
+                       std::to_string(kNameCount) + " names: ";
     for (std::size_t i = 0; i < missing.size(); ++i) {
         text += (i == 0 ? "" : ", ");
         text += missing[i];
@@ -63,37 +85,12 @@ Function AsFunction(void* symbol) {
 }  // namespace
 
 std::vector<std::string_view> const& LoadedModule::ExportedNames() {
-    static std::vector<std::string_view> const names = {
-        "GetModuleVersion",
-        "GetSupportedPlatforms",
-        "GetState",
-        "GetDownwardsCompatibility",
-        "GetSDKDependency",
-        "GetModuleDependencies",
-        "GetModuleDependenciesOptional",
-        "GetModuleDependenciesLoadBefore",
-        "GetAlternativeFunctionDependencies",
-        "GetAlternativeProcedureDependencies",
-        "GetOptionalFunctionDependencies",
-        "GetOptionalProcedureDependencies",
-        "GetModuleTavrelVersion",
-        "GetTavrelSDKVersion",
-        "GetModuleDefinition",
-        "tavrel_module_BinarySize",
-        "tavrel_module_BinarySetFromString",
-        "tavrel_module_ToDataRef",
-        "tavrel_module_ToDataRefPart",
-        "tavrel_module_BinaryMapFile",
-        "tavrel_module_BinarySlice",
-        "tavrel_module_BinarySliceRight",
-        "tavrel_module_BinaryPartToString",
-        "tavrel_module_BinaryToString",
-        "tavrel_module_BinaryCopy",
-        "tavrel_module_BinaryCopyPart",
-        "tavrel_module_BinaryAppend",
-        "tavrel_module_BinaryAppendPart",
-    };
+    static std::vector<std::string_view> const names(std::begin(kNames), std::end(kNames));
     return names;
+}
+
+std::vector<std::string_view> LoadedModule::EntryNames() {
+    return {std::begin(kNames) + kFirstEntry, std::end(kNames)};
 }
 
 std::unique_ptr<LoadedModule> LoadedModule::Load(std::string const& path, std::string& error) {
@@ -107,7 +104,7 @@ std::unique_ptr<LoadedModule> LoadedModule::Load(std::string const& path, std::s
         error = CannotOpen(path, LoaderError());
         return nullptr;
     }
-    std::array<void*, kNameCount> symbols{};
+    std::vector<void*> symbols(kNameCount);
     std::vector<std::string_view> missing;
     for (std::size_t i = 0; i < kNameCount; ++i) {
         std::string const name(ExportedNames()[i]);
@@ -122,12 +119,11 @@ std::unique_ptr<LoadedModule> LoadedModule::Load(std::string const& path, std::s
         return nullptr;
     }
     error.clear();
-    return std::unique_ptr<LoadedModule>(new LoadedModule(handle, path, symbols));
+    return std::unique_ptr<LoadedModule>(new LoadedModule(handle, path, std::move(symbols)));
 }
 
-LoadedModule::LoadedModule(void* handle, std::string const& path,
-                           std::array<void*, kNameCount> symbols)
-    : mHandle(handle), mInfo(path), mSymbols(symbols) {}
+LoadedModule::LoadedModule(void* handle, std::string const& path, std::vector<void*> symbols)
+    : mHandle(handle), mInfo(path), mSymbols(std::move(symbols)) {}
 
 LoadedModule::~LoadedModule() { ::dlclose(mHandle); }
 

@@ -1,10 +1,9 @@
 // LoadedModule: a module shared object opened the way the host opens one: dlopen with
 // RTLD_NOW | RTLD_LOCAL, then every one of the 28 exported names looked up by its plain
-// name. A module that cannot be opened or lacks a name is refused with a text that says
+// name (the names come from the module's own lists, generated at build time). A module that cannot be opened or lacks a name is refused with a text that says
 // why. It calls nothing in the module while loading; the caller calls entries and texts.
 #pragma once
 
-#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -60,17 +59,17 @@ public:
 
     // The 28 names: the 14 fixed-text functions, GetModuleDefinition, the 13 entries.
     static std::vector<std::string_view> const& ExportedNames();
+    // The 13 entries, in the order of the definition text: "tavrel_module_BinarySize", ...
+    static std::vector<std::string_view> EntryNames();
 
 private:
-    static constexpr std::size_t kNameCount = 28;
-
-    LoadedModule(void* handle, std::string const& path, std::array<void*, kNameCount> symbols);
+    LoadedModule(void* handle, std::string const& path, std::vector<void*> symbols);
     // The symbol of a name among those from..to of ExportedNames; null if not there.
     void* Symbol(std::string_view name, std::size_t from, std::size_t to) const;
 
     void* mHandle;
     ModuleInfo mInfo;
-    std::array<void*, kNameCount> mSymbols;
+    std::vector<void*> mSymbols;
 };
 
 }  // namespace minihost

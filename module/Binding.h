@@ -22,6 +22,7 @@
 #include "host/IUserDefinedType.h"
 #include "host/IVariant.h"
 #include "host/VariantType.h"
+#include "module/ScriptType.h"
 #include "object/AutoRefPtr.h"
 #include "object/IDataRef.h"
 
@@ -52,13 +53,19 @@ constexpr unsigned int MakeStatusWord(int index, BindingCode code) {
 
 namespace binding_detail {
 
+// Whether T stands for the script type with that type number (module/ScriptType.h).
+template <class T, unsigned int TypeNumber>
+inline constexpr bool kIsScriptType =
+    ScriptTypeOf<T>::kKnown && ScriptTypeOf<T>::kTypeNumber == TypeNumber;
+
 template <class T>
-inline constexpr bool kIsDataRef = std::is_same_v<T, AutoRefPtr<IDataRef>>;
+inline constexpr bool kIsDataRef = kIsScriptType<T, VariantType::kDataRef>;
 
 // Arithmetic holders other than double, float and bool take a script NUMBER.
 template <class T>
-inline constexpr bool kIsIntegralNumber = std::is_arithmetic_v<T> && !std::is_same_v<T, double> &&
-                                          !std::is_same_v<T, float> && !std::is_same_v<T, bool>;
+inline constexpr bool kIsIntegralNumber =
+    std::is_arithmetic_v<T> && !std::is_same_v<T, double> && !std::is_same_v<T, float> &&
+    !std::is_same_v<T, bool>;
 
 // Arithmetic results other than bool go back as a script NUMBER.
 template <class R>
@@ -92,7 +99,7 @@ inline bool HasType(IVariant* variant, unsigned int type) {
 template <class T>
 TAVREL_BINDING_INLINE std::enable_if_t<kIsDataRef<T>, bool> CheckAndConvert(IVariant* variant,
                                                                             T& holder) {
-    if (!HasType(variant, VariantType::kDataRef)) {
+    if (!HasType(variant, ScriptTypeOf<T>::kTypeNumber)) {
         return false;
     }
     holder = variant->GetData();
@@ -103,7 +110,7 @@ TAVREL_BINDING_INLINE std::enable_if_t<kIsDataRef<T>, bool> CheckAndConvert(IVar
 template <class T>
 TAVREL_BINDING_INLINE std::enable_if_t<kIsIntegralNumber<T>, bool> CheckAndConvert(
     IVariant* variant, T& holder) {
-    if (!HasType(variant, VariantType::kNumber)) {
+    if (!HasType(variant, ScriptTypeOf<T>::kTypeNumber)) {
         return false;
     }
     holder = NumberToIntegral<T>(variant->GetNumber());
@@ -114,7 +121,7 @@ TAVREL_BINDING_INLINE std::enable_if_t<kIsIntegralNumber<T>, bool> CheckAndConve
 template <class T>
 TAVREL_BINDING_INLINE std::enable_if_t<std::is_same_v<T, std::string>, bool> CheckAndConvert(
     IVariant* variant, T& holder) {
-    if (!HasType(variant, VariantType::kString)) {
+    if (!HasType(variant, ScriptTypeOf<T>::kTypeNumber)) {
         return false;
     }
     // NOTE: the host is asked for the bytes first and for their count second, in two
@@ -133,7 +140,7 @@ TAVREL_BINDING_INLINE std::enable_if_t<std::is_same_v<T, std::string>, bool> Che
 template <class T>
 TAVREL_BINDING_INLINE std::enable_if_t<std::is_same_v<T, std::string_view>, bool> CheckAndConvert(
     IVariant* variant, T& holder) {
-    if (!HasType(variant, VariantType::kString)) {
+    if (!HasType(variant, ScriptTypeOf<T>::kTypeNumber)) {
         return false;
     }
     char const* const bytes = variant->GetString();
@@ -197,8 +204,7 @@ public:
     // Takes the next script argument into holder.
     template <class T>
     TAVREL_BINDING_INLINE void operator()(T& holder) {
-        static_assert(binding_detail::kIsDataRef<T> || std::is_same_v<T, long long> ||
-                          std::is_same_v<T, std::string> || std::is_same_v<T, std::string_view>,
+        static_assert(ScriptTypeOf<T>::kParameter,
                       "A script argument binds only to AutoRefPtr<IDataRef>, long long, "
                       "std::string or std::string_view.");
         if (mError != 0) {
@@ -213,8 +219,8 @@ public:
         if (binding_detail::CheckAndConvert<T>(variant, holder)) {
             return;
         }
-        mError = MakeStatusWord(mIndex,
-                                IsEmptyUserDefined(variant) ? kEmptyUserDefined : kWrongArgument);
+        mError = MakeStatusWord(mIndex, IsEmptyUserDefined(variant) ? kEmptyUserDefined
+                                                                    : kWrongArgument);
     }
 
     // The context takes no script argument and is stored even after a failure.
@@ -300,15 +306,13 @@ using Holder = std::remove_cv_t<std::remove_reference_t<P>>;
 
 template <class P>
 inline constexpr bool kIsByConstReference =
-    std::is_lvalue_reference_v<P>&& std::is_const_v<std::remove_reference_t<P>>;
+    std::is_lvalue_reference_v<P> && std::is_const_v<std::remove_reference_t<P>>;
 
 // Checks one parameter of a typed function; the messages speak to whoever adds an entry.
 template <class P>
 constexpr bool CheckParameter() {
     using H = Holder<P>;
-    static_assert(kIsDataRef<H> || std::is_same_v<H, std::string> ||
-                      std::is_same_v<H, std::string_view> || std::is_same_v<H, long long> ||
-                      std::is_same_v<H, IContext*>,
+    static_assert(ScriptTypeOf<H>::kParameter || ScriptTypeOf<H>::kContext,
                   "A typed function takes only AutoRefPtr<IDataRef> const& (DATAREF), "
                   "long long (NUMBER), std::string_view or std::string const& (STRING), and "
                   "IContext* as its last parameter.");
@@ -322,7 +326,7 @@ constexpr bool CheckParameter() {
 
 template <class... P>
 constexpr bool ContextOnlyLast() {
-    constexpr bool isContext[] = {std::is_same_v<Holder<P>, IContext*>..., false};
+    constexpr bool isContext[] = {ScriptTypeOf<Holder<P>>::kContext..., false};
     for (std::size_t i = 0; i + 1 < sizeof...(P); ++i) {
         if (isContext[i]) {
             return false;
@@ -333,10 +337,9 @@ constexpr bool ContextOnlyLast() {
 
 template <class R>
 constexpr bool CheckResult() {
-    static_assert(
-        std::is_same_v<R, unsigned long> || std::is_same_v<R, std::string> || kIsDataRef<R>,
-        "A typed function returns unsigned long (NUMBER), std::string (STRING) or "
-        "AutoRefPtr<IDataRef> (DATAREF).");
+    static_assert(ScriptTypeOf<R>::kResult,
+                  "A typed function returns unsigned long (NUMBER), std::string (STRING) or "
+                  "AutoRefPtr<IDataRef> (DATAREF).");
     return true;
 }
 
@@ -366,11 +369,13 @@ template <class R, class... P>
 TAVREL_BINDING_INLINE unsigned int CallEntry(R (*function)(P...), int count, IVariant** arguments,
                                              IVariant* result, IModuleInfo* info,
                                              IContext* context) {
-    static_assert(binding_detail::CheckResult<R>() && (binding_detail::CheckParameter<P>() && ...));
+    static_assert(binding_detail::CheckResult<R>() &&
+                  (binding_detail::CheckParameter<P>() && ...));
     static_assert(binding_detail::ContextOnlyLast<P...>(),
                   "IContext* must be the last parameter of a typed function.");
     R (*const local)(P...) = function;
-    binding_detail::HolderPack<std::index_sequence_for<P...>, binding_detail::Holder<P>...> holders;
+    binding_detail::HolderPack<std::index_sequence_for<P...>, binding_detail::Holder<P>...>
+        holders;
     // NOTE: the caller takes the context before the module information, the reverse of
     // the entry's own order.
     CPPNameFunctionCaller<R> caller(arguments, count, result, context, info);

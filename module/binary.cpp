@@ -1,15 +1,17 @@
-// The module's face to the host: its static objects, the fixed texts that describe it,
-// the definition text, and the 13 exported entries.
+// The module's face to the host: its static objects, the fixed texts that describe it
+// (module/Texts.def), the definition text, and the exported entries (module/Entries.def).
 //
 // NOTE: the path header comes first on purpose: its three empty constants are the first
 // static objects of this unit, before the definition text is built.
+#include "path/FSPath.h"
+
+#include <iterator>
 #include <string>
 
 #include "module/Entry.h"
 #include "module/Operations.h"
 #include "module/ReplaceAllStringsInPlace.h"
 #include "module/Reports.h"
-#include "path/FSPath.h"
 
 namespace {
 
@@ -19,19 +21,32 @@ std::string sInfo;
 }  // namespace
 
 // The script functions, in the order of their lines in the definition text.
-TAVREL_MODULE_ENTRY(sInfo, 0, "CONST_FUNCTION", "Size", BinarySize);
-TAVREL_MODULE_ENTRY(sInfo, 1, "CONST_FUNCTION", "Binary.ToDataRef", BinarySetFromString);
-TAVREL_MODULE_ENTRY(sInfo, 2, "CONST_FUNCTION", "ToDataRef", ToDataRef);
-TAVREL_MODULE_ENTRY(sInfo, 3, "CONST_FUNCTION", "ToDataRef", ToDataRefPart);
-TAVREL_MODULE_ENTRY(sInfo, 4, "FUNCTION", "Binary.MapFile", BinaryMapFile);
-TAVREL_MODULE_ENTRY(sInfo, 5, "CONST_FUNCTION", "Binary.Slice", BinarySlice);
-TAVREL_MODULE_ENTRY(sInfo, 6, "CONST_FUNCTION", "Binary.Slice", BinarySliceRight);
-TAVREL_MODULE_ENTRY(sInfo, 7, "CONST_FUNCTION", "Binary.PartToString", BinaryPartToString);
-TAVREL_MODULE_ENTRY(sInfo, 8, "CONST_FUNCTION", "ToString", BinaryToString);
-TAVREL_MODULE_ENTRY(sInfo, 9, "CONST_FUNCTION", "Binary.Copy", BinaryCopy);
-TAVREL_MODULE_ENTRY(sInfo, 10, "CONST_FUNCTION", "Binary.Copy", BinaryCopyPart);
-TAVREL_MODULE_ENTRY(sInfo, 11, "CONST_FUNCTION", "Binary.Append", BinaryAppend);
-TAVREL_MODULE_ENTRY(sInfo, 12, "CONST_FUNCTION", "Binary.Append", BinaryAppendPart);
+#define TAVREL_ENTRY(index, kind, scriptName, function) \
+    TAVREL_MODULE_ENTRY(sInfo, index, #kind, scriptName, function);
+#include "module/Entries.def"
+#undef TAVREL_ENTRY
+
+namespace {
+
+// NOTE: the indexes name the one-byte variables; they must count up with the lines, so that
+// dummy<N> carries the N-th line of the definition text.
+constexpr int kEntryIndexes[] = {
+#define TAVREL_ENTRY(index, kind, scriptName, function) index,
+#include "module/Entries.def"
+#undef TAVREL_ENTRY
+};
+
+constexpr bool IndexesCountUp() {
+    for (int i = 0; i < static_cast<int>(std::size(kEntryIndexes)); ++i) {
+        if (kEntryIndexes[i] != i) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(IndexesCountUp(), "module/Entries.def: the indexes count up from 0 line by line");
+
+}  // namespace
 
 namespace Tavrel {
 
@@ -45,20 +60,10 @@ extern "C" {
 // Hidden: a host that looks it up by name does not find it.
 char const* GetTavrelModuleName() { return "Binary"; }
 
-TAVREL_EXPORT char const* GetModuleVersion() { return "1.5.0.0"; }
-TAVREL_EXPORT char const* GetSupportedPlatforms() { return "linux,mac,windows"; }
-TAVREL_EXPORT char const* GetState() { return "stable"; }
-TAVREL_EXPORT char const* GetDownwardsCompatibility() { return "1.1.0"; }
-TAVREL_EXPORT char const* GetSDKDependency() { return "[1.20.13.0-]"; }
-TAVREL_EXPORT char const* GetModuleDependencies() { return ""; }
-TAVREL_EXPORT char const* GetModuleDependenciesOptional() { return ""; }
-TAVREL_EXPORT char const* GetModuleDependenciesLoadBefore() { return ""; }
-TAVREL_EXPORT char const* GetAlternativeFunctionDependencies() { return ""; }
-TAVREL_EXPORT char const* GetAlternativeProcedureDependencies() { return ""; }
-TAVREL_EXPORT char const* GetOptionalFunctionDependencies() { return ""; }
-TAVREL_EXPORT char const* GetOptionalProcedureDependencies() { return ""; }
-TAVREL_EXPORT char const* GetModuleTavrelVersion() { return "1.20.16.0-19"; }
-TAVREL_EXPORT char const* GetTavrelSDKVersion() { return "1.20.16.0"; }
+#define TAVREL_TEXT(function, text) \
+    TAVREL_EXPORT char const* function() { return text; }
+#include "module/Texts.def"
+#undef TAVREL_TEXT
 
 // Turns the raw definition text into its final form, in place and for good, and returns
 // it. A later call finds nothing left to replace and returns the same pointer.
