@@ -5,7 +5,7 @@
 #include <map>
 #include <memory>
 
-#include "minihost/FilePolicy.h"
+#include "minihost/host/FilePolicy.h"
 
 namespace bench {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "bench/BenchHost.h"
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/MemoryBuffer.h"
 
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;

@@ -30,11 +30,11 @@
 #include "fuzz/FuzzCheck.h"
 #include "host/IPolicy.h"
 #include "host/IUserDefinedType.h"
-#include "minihost/Context.h"
-#include "minihost/LiveCount.h"
-#include "minihost/MemoryBuffer.h"
-#include "minihost/ModuleLoader.h"
-#include "minihost/Variant.h"
+#include "minihost/host/Context.h"
+#include "minihost/host/LiveCount.h"
+#include "minihost/host/MemoryBuffer.h"
+#include "minihost/host/ModuleLoader.h"
+#include "minihost/host/Variant.h"
 #include "object/InterfaceImpl.h"
 
 namespace {

@@ -11,11 +11,11 @@
 #include <utility>
 #include <vector>
 
-#include "minihost/Context.h"
-#include "minihost/FilePolicy.h"
-#include "minihost/LiveCount.h"
-#include "minihost/MemoryBuffer.h"
-#include "minihost/Variant.h"
+#include "minihost/host/Context.h"
+#include "minihost/host/FilePolicy.h"
+#include "minihost/host/LiveCount.h"
+#include "minihost/host/MemoryBuffer.h"
+#include "minihost/host/Variant.h"
 #include "tests/hardening/CountingAllocator.h"
 #include "tests/hardening/LoadedBinary.h"
 #include "tests/minihost/TestFiles.h"

@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
-#include "minihost/Context.h"
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/Context.h"
+#include "minihost/host/MemoryBuffer.h"
 
 namespace hardening {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "minihost/ModuleLoader.h"
-#include "minihost/Variant.h"
+#include "minihost/host/ModuleLoader.h"
+#include "minihost/host/Variant.h"
 #include "tests/minihost/TestFiles.h"
 
 namespace hardening {

@@ -13,10 +13,10 @@
 #include <thread>
 #include <vector>
 
-#include "minihost/Context.h"
-#include "minihost/FilePolicy.h"
-#include "minihost/LiveCount.h"
-#include "minihost/Variant.h"
+#include "minihost/host/Context.h"
+#include "minihost/host/FilePolicy.h"
+#include "minihost/host/LiveCount.h"
+#include "minihost/host/Variant.h"
 #include "tests/hardening/LoadedBinary.h"
 
 namespace {

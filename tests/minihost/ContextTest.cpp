@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <vector>
 
-#include "minihost/Context.h"
-#include "minihost/FilePolicy.h"
+#include "minihost/host/Context.h"
+#include "minihost/host/FilePolicy.h"
 
 namespace minihost {
 namespace {

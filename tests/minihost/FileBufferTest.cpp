@@ -7,9 +7,9 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
-#include "minihost/FileBuffer.h"
-#include "minihost/FilePolicy.h"
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/FileBuffer.h"
+#include "minihost/host/FilePolicy.h"
+#include "minihost/host/MemoryBuffer.h"
 #include "tests/minihost/TestFiles.h"
 
 namespace minihost {

@@ -4,8 +4,8 @@
 #include <string>
 #include <sys/stat.h>
 
-#include "minihost/FilePolicy.h"
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/FilePolicy.h"
+#include "minihost/host/MemoryBuffer.h"
 #include "tests/minihost/TestFiles.h"
 
 namespace minihost {

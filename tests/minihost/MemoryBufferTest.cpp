@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/MemoryBuffer.h"
 
 namespace minihost {
 namespace {

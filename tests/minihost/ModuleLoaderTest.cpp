@@ -3,7 +3,7 @@
 #include <set>
 #include <string>
 
-#include "minihost/ModuleLoader.h"
+#include "minihost/host/ModuleLoader.h"
 #include "tests/minihost/TestFiles.h"
 
 namespace minihost {

@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 #include <string>
 
-#include "minihost/MemoryBuffer.h"
-#include "minihost/Variant.h"
+#include "minihost/host/MemoryBuffer.h"
+#include "minihost/host/Variant.h"
 
 namespace minihost {
 namespace {

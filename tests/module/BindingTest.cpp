@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/IUserDefinedType.h"
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/MemoryBuffer.h"
 #include "object/InterfaceImpl.h"
 #include "tests/module/ModuleHarness.h"
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/VariantType.h"
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/MemoryBuffer.h"
 #include "tests/module/ModuleHarness.h"
 
 namespace {

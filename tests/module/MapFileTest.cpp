@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "host/IContext.h"
-#include "minihost/MemoryBuffer.h"
-#include "minihost/Variant.h"
+#include "minihost/host/MemoryBuffer.h"
+#include "minihost/host/Variant.h"
 #include "object/InterfaceImpl.h"
 #include "tests/module/ModuleHarness.h"
 

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "host/VariantType.h"
-#include "minihost/FilePolicy.h"
+#include "minihost/host/FilePolicy.h"
 
 namespace moduletest {
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "minihost/Context.h"
-#include "minihost/ModuleLoader.h"
-#include "minihost/Variant.h"
+#include "minihost/host/Context.h"
+#include "minihost/host/ModuleLoader.h"
+#include "minihost/host/Variant.h"
 #include "object/AutoRefPtr.h"
 #include "object/IDataRef.h"
 

@@ -5,7 +5,7 @@
 #include <functional>
 #include <limits>
 
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/MemoryBuffer.h"
 #include "object/InterfaceImpl.h"
 #include "tests/module/ModuleHarness.h"
 

@@ -10,7 +10,7 @@
 #include <set>
 #include <string>
 
-#include "minihost/ModuleLoader.h"
+#include "minihost/host/ModuleLoader.h"
 #include "module/ReplaceAllStringsInPlace.h"
 #include "tests/module/ModuleHarness.h"
 

@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/MemoryBuffer.h"
 #include "object/AppendFromRead.h"
 #include "object/Data.h"
 

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "minihost/MemoryBuffer.h"
+#include "minihost/host/MemoryBuffer.h"
 #include "object/Data.h"
 
 namespace {

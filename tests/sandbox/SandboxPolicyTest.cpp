@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <vector>
 
-#include "minihost/Context.h"
-#include "minihost/SandboxPolicy.h"
+#include "minihost/host/Context.h"
+#include "minihost/host/SandboxPolicy.h"
 #include "object/AutoRefPtr.h"
 #include "tests/minihost/TestFiles.h"
 

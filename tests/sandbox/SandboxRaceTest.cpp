@@ -12,8 +12,8 @@
 #include <thread>
 #include <utility>
 
-#include "minihost/Context.h"
-#include "minihost/SandboxPolicy.h"
+#include "minihost/host/Context.h"
+#include "minihost/host/SandboxPolicy.h"
 #include "object/AutoRefPtr.h"
 #include "tests/minihost/TestFiles.h"
 

@@ -2,9 +2,9 @@
 #include <string>
 #include <vector>
 
-#include "minihost/DefinitionText.h"
-#include "minihost/FunctionTable.h"
-#include "minihost/StatusWords.h"
+#include "minihost/script/DefinitionText.h"
+#include "minihost/script/FunctionTable.h"
+#include "minihost/script/StatusWords.h"
 
 namespace minihost {
 namespace {

@@ -3,9 +3,9 @@
 #include <sstream>
 #include <string>
 
-#include "minihost/FilePolicy.h"
-#include "minihost/Interpreter.h"
-#include "minihost/ModuleSetup.h"
+#include "minihost/host/FilePolicy.h"
+#include "minihost/script/Interpreter.h"
+#include "minihost/script/ModuleSetup.h"
 
 namespace minihost {
 namespace {

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "minihost/Lexer.h"
-#include "minihost/Parser.h"
-#include "minihost/ValuePrinter.h"
+#include "minihost/script/Lexer.h"
+#include "minihost/script/Parser.h"
+#include "minihost/script/ValuePrinter.h"
 
 namespace minihost {
 namespace {

@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "minihost/Options.h"
+#include "minihost/script/Options.h"
 
 namespace minihost {
 namespace {

@@ -3,8 +3,8 @@
 #include <limits>
 #include <string>
 
-#include "minihost/MemoryBuffer.h"
-#include "minihost/ValuePrinter.h"
+#include "minihost/host/MemoryBuffer.h"
+#include "minihost/script/ValuePrinter.h"
 #include "object/Data.h"
 
 namespace minihost {

@@ -1,0 +1,61 @@
+// Ast: the tree of a parsed script. A script is a list of statements (assignment, print, or
+// an expression on its own); an expression is a string, a number, a variable or a call. A call
+// names a script function (resolved through the module's definition text) or, written
+// `call <entry>(...)`, an exported entry that is called directly. Every node keeps the place
+// where it starts. The tree holds no values of the host and resolves no names.
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "minihost/script/ScriptError.h"
+
+namespace minihost {
+
+struct Expression;
+
+struct StringLiteral {
+    std::string bytes;  // escapes decoded
+};
+
+struct NumberLiteral {
+    double value = 0.0;
+};
+
+struct VariableRef {
+    std::string name;
+};
+
+struct Call {
+    std::string name;     // a script name such as "Binary.Slice", or an entry name when direct
+    bool direct = false;  // written `call <entry>(...)`
+    std::vector<Expression> arguments;
+};
+
+struct Expression {
+    SourcePosition position;
+    std::variant<StringLiteral, NumberLiteral, VariableRef, Call> node;
+};
+
+struct Assignment {
+    std::string name;
+    Expression value;
+};
+
+struct Print {
+    Expression value;
+};
+
+struct ExpressionStatement {
+    Expression value;
+};
+
+struct Statement {
+    SourcePosition position;
+    std::variant<Assignment, Print, ExpressionStatement> node;
+};
+
+using Program = std::vector<Statement>;
+
+}  // namespace minihost

@@ -1,0 +1,52 @@
+// FunctionTable: the script functions that a module offers, as read from its definition
+// text, and overload resolution over them. A call is resolved by its script name, then by
+// its number of arguments, then by the types of its arguments. The first two steps depend on
+// the script's text alone and run before the script does; the last needs the values.
+// It calls nothing: it only picks signatures.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "minihost/script/DefinitionText.h"
+
+namespace minihost {
+
+class FunctionTable {
+public:
+    FunctionTable() = default;
+    explicit FunctionTable(std::vector<Signature> signatures);
+
+    std::vector<Signature> const& signatures() const { return mSignatures; }
+
+    // The signatures of that name that take count arguments, in the order of the definition
+    // text. When there is none, the result is empty and error says why, with the signatures
+    // that do exist on the lines below it (each indented by two blanks):
+    //   unknown name       => "unknown function 'Sise'; the module offers:\n  Size (DATAREF)..."
+    //   no form with count => "no form of 'Binary.Slice' takes 1 argument; there are:\n
+    //                          Binary.Slice (DATAREF,NUMBER,NUMBER)\n  Binary.Slice
+    //                          (DATAREF,NUMBER)"
+    std::vector<Signature const*> Candidates(std::string_view name, std::size_t count,
+                                             std::string& error) const;
+
+    // The one candidate to call for arguments of these type words (see TypeWord):
+    //   exactly one candidate         => it, whether the types fit or not, so that the
+    //                                    module's binding answers with its status word
+    //   several                       => the first whose parameter words equal typeWords
+    //   several and none fits, or none => null
+    static Signature const* Choose(std::vector<Signature const*> const& candidates,
+                                   std::vector<std::string_view> const& typeWords);
+
+    // The signature whose exported entry is entry, or null.
+    //   "tavrel_module_BinarySize" => Size (DATAREF);  "BinarySize", "" => null
+    Signature const* FindEntry(std::string_view entry) const;
+
+    // Every signature, one per line, each line indented by two blanks and ended by '\n'.
+    static std::string ListSignatures(std::vector<Signature const*> const& signatures);
+
+private:
+    std::vector<Signature> mSignatures;
+};
+
+}  // namespace minihost

@@ -1,0 +1,171 @@
+#include "minihost/script/Options.h"
+
+#include <string_view>
+
+namespace minihost {
+
+namespace {
+
+// One argument split into the option's name and the value written after '=', if any.
+struct Split {
+    std::string_view name;
+    std::string_view value;
+    bool hasValue = false;
+};
+
+Split SplitOption(std::string_view argument) {
+    std::size_t const equals = argument.find('=');
+    if (argument.rfind("--", 0) != 0 || equals == std::string_view::npos) {
+        return Split{argument, {}, false};
+    }
+    return Split{argument.substr(0, equals), argument.substr(equals + 1), true};
+}
+
+class Reader {
+public:
+    Reader(int argc, char const* const* argv, Options& options)
+        : mArgc(argc), mArgv(argv), mOptions(options) {}
+
+    bool Run(std::string& error) {
+        bool optionsEnded = false;
+        for (mIndex = 1; mIndex < mArgc; ++mIndex) {
+            std::string_view const argument = mArgv[mIndex];
+            bool ok = true;
+            if (optionsEnded || argument.size() < 2 || argument[0] != '-') {
+                ok = SetScript(std::string(argument), Mode::kScript, error);
+            } else if (argument == "--") {
+                optionsEnded = true;
+            } else {
+                ok = ReadOption(SplitOption(argument), error);
+            }
+            if (!ok) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+private:
+    bool SetScript(std::string script, Mode mode, std::string& error) {
+        if (mHasScript) {
+            error = "more than one script: '" + (mode == Mode::kEval ? "-e" : script) + "'";
+            return false;
+        }
+        mHasScript = true;
+        if (mOptions.mode != Mode::kDescribe && mOptions.mode != Mode::kHelp) {
+            mOptions.mode = mode;
+        }
+        mOptions.script = std::move(script);
+        return true;
+    }
+
+    // The option's value: after '=' or the next argument.
+    bool Value(Split const& option, std::string& value, std::string& error) {
+        if (option.hasValue) {
+            value = std::string(option.value);
+            return true;
+        }
+        if (mIndex + 1 >= mArgc) {
+            error = "option '" + std::string(option.name) + "' needs a value";
+            return false;
+        }
+        value = mArgv[++mIndex];
+        return true;
+    }
+
+    bool Flag(Split const& option, bool& flag, std::string& error) {
+        if (option.hasValue) {
+            error = "option '" + std::string(option.name) + "' takes no value";
+            return false;
+        }
+        flag = true;
+        return true;
+    }
+
+    bool SetMode(Split const& option, Mode mode, std::string& error) {
+        bool unused = false;
+        if (!Flag(option, unused, error)) {
+            return false;
+        }
+        if (mOptions.mode != Mode::kHelp) {
+            mOptions.mode = mode;
+        }
+        return true;
+    }
+
+    bool ReadOption(Split const& option, std::string& error) {
+        std::string value;
+        if (option.name == "-h" || option.name == "--help") {
+            return SetMode(option, Mode::kHelp, error);
+        }
+        if (option.name == "--describe") {
+            return SetMode(option, Mode::kDescribe, error);
+        }
+        if (option.name == "--strict") {
+            return Flag(option, mOptions.strict, error);
+        }
+        if (option.name == "--allow-all") {
+            return Flag(option, mOptions.allowAll, error);
+        }
+        if (option.name == "-e" || option.name == "--eval") {
+            return Value(option, value, error) && SetScript(value, Mode::kEval, error);
+        }
+        if (option.name == "--module") {
+            return Value(option, mOptions.module, error);
+        }
+        if (option.name == "--allow") {
+            bool const ok = Value(option, value, error);
+            mOptions.allow.push_back(value);
+            return ok;
+        }
+        error = "unknown option '" + std::string(option.name) + "'";
+        return false;
+    }
+
+    int mArgc;
+    char const* const* mArgv;
+    Options& mOptions;
+    int mIndex = 1;
+    bool mHasScript = false;
+};
+
+}  // namespace
+
+bool ParseOptions(int argc, char const* const* argv, Options& options, std::string& error) {
+    options = Options{};
+    error.clear();
+    return Reader(argc, argv, options).Run(error);
+}
+
+std::string HelpText() {
+    return R"(Usage: minihost [OPTION]... [SCRIPT.tvl]
+       minihost [OPTION]... -e STATEMENTS
+       minihost --describe [--module PATH]
+
+Runs Tavrel scripts against the Binary module, loading it as the Tavrel host does. With no
+script, minihost gives an interactive prompt on a terminal and otherwise reads the script
+from standard input.
+
+Options:
+  -e, --eval STATEMENTS  run STATEMENTS (separated by ';' or line ends) instead of a file
+  --describe             print the module's name, versions, state, platforms, dependencies
+                         and its script functions as its definition text gives them; exit
+  --module PATH          load the module from PATH instead of the one installed beside the
+                         program (<prefix>/lib/tavrel/modules/Binary.so, or in the build
+                         tree ../module/Binary.so)
+  --strict               stop at the first error report from the module
+  --allow DIR            let Binary.MapFile read files under DIR as well (repeatable); by
+                         default it reads only under the script's directory and the
+                         current directory
+  --allow-all            let Binary.MapFile read any file the user can read
+  -h, --help             print this help and exit
+
+Exit status:
+  0  the script ran without error reports
+  1  the module reported errors (or the run was interrupted with Ctrl-C)
+  2  a malformed script, an unknown name, a failed binding, a missing script file, a
+     module that cannot be loaded, or a malformed command line
+)";
+}
+
+}  // namespace minihost

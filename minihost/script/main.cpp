@@ -1,0 +1,179 @@
+// minihost: the stand-in for the Tavrel host. Loads the module as the host does, then runs
+// a script file, statements given with -e, a script from standard input, or an interactive
+// prompt; or describes the module. See HelpText() in minihost/Options.cpp for the options.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <sys/stat.h>
+#include <vector>
+
+#include "minihost/host/Context.h"
+#include "minihost/script/Describe.h"
+#include "minihost/script/Interpreter.h"
+#include "minihost/script/Interruption.h"
+#include "minihost/script/ModuleSetup.h"
+#include "minihost/script/Options.h"
+#include "minihost/script/Repl.h"
+#include "minihost/host/SandboxPolicy.h"
+
+namespace {
+
+using namespace minihost;
+
+constexpr int kExitFailed = static_cast<int>(RunStatus::kFailed);
+
+int Fail(std::string const& message) {
+    std::cerr << "minihost: " << message << '\n';
+    return kExitFailed;
+}
+
+// All bytes of the file open as fd; false with error set.
+bool ReadAll(int fd, std::string& text, std::string& error) {
+    char block[65536];
+    while (true) {
+        ssize_t const n = ::read(fd, block, sizeof block);
+        if (n > 0) {
+            text.append(block, static_cast<std::size_t>(n));
+        } else if (n == 0) {
+            return true;
+        } else if (errno != EINTR) {
+            error = std::strerror(errno);
+            return false;
+        }
+    }
+}
+
+bool ReadScript(std::string const& path, std::string& text, std::string& error) {
+    int const fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        error = std::strerror(errno);
+        return false;
+    }
+    bool const ok = ReadAll(fd, text, error);
+    ::close(fd);
+    return ok;
+}
+
+std::string DirectoryOf(std::string const& path) {
+    std::size_t const slash = path.rfind('/');
+    if (slash == std::string::npos) {
+        return ".";
+    }
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+// The module given with --module, or the one beside the program.
+bool ModulePath(Options const& options, std::string& path, std::string& error) {
+    if (!options.module.empty()) {
+        path = options.module;
+        return true;
+    }
+    std::vector<std::string> const candidates = DefaultModuleCandidates(ProgramDirectory());
+    path = FindDefaultModule(candidates);
+    if (path.empty()) {
+        error = "no module found beside the program (looked for " + candidates[0] + " and " +
+                candidates[1] + "); give one with --module PATH";
+        return false;
+    }
+    return true;
+}
+
+// The sandbox: the script's directory (when there is a script) and the current directory,
+// plus every --allow. Relative paths in the script are read against the script's directory.
+bool MakePolicy(Options const& options, Tavrel::AutoRefPtr<Tavrel::IPolicy>& policy,
+                std::string& error) {
+    std::string current;
+    if (!ResolveRealPath("", ".", current)) {
+        current.clear();
+    }
+    std::vector<std::string> allowed{current};
+    std::string base = current;
+    if (options.mode == Mode::kScript && ResolveRealPath("", DirectoryOf(options.script), base)) {
+        allowed.push_back(base);
+    }
+    for (std::string const& directory : options.allow) {
+        std::string resolved;
+        struct stat info {};
+        if (!ResolveRealPath("", directory, resolved) || ::stat(resolved.c_str(), &info) != 0 ||
+            !S_ISDIR(info.st_mode)) {
+            error = "--allow: '" + directory + "' is not a directory";
+            return false;
+        }
+        allowed.push_back(resolved);
+    }
+    policy.reset(new SandboxPolicy(base, allowed, options.allowAll));
+    return true;
+}
+
+// Runs the script, the -e statements, standard input or the prompt.
+int RunScripts(Options const& options, ReadyModule& ready, Context& context) {
+    InterpreterSettings const settings{
+        options.strict, options.mode == Mode::kStandardIn && ::isatty(STDIN_FILENO) == 1};
+    Interpreter interpreter(*ready.module, ready.table, context, std::cout, std::cerr, settings);
+    if (settings.echo) {
+        return RunPrompt(interpreter, context);
+    }
+    std::string text = options.script;
+    std::string name = options.mode == Mode::kEval ? "-e" : options.script;
+    std::string error;
+    if (options.mode == Mode::kStandardIn) {
+        text.clear();
+        name = "stdin";
+        if (!ReadAll(STDIN_FILENO, text, error)) {
+            return Fail("cannot read standard input: " + error);
+        }
+    } else if (options.mode == Mode::kScript) {
+        text.clear();
+        if (!ReadScript(options.script, text, error)) {
+            return Fail("cannot read script '" + options.script + "': " + error);
+        }
+    }
+    ArmInterruption(context);
+    int const status = static_cast<int>(interpreter.Run(text, name));
+    DisarmInterruption();
+    return status;
+}
+
+int Main(int argc, char** argv) {
+    Options options;
+    std::string error;
+    if (!ParseOptions(argc, argv, options, error)) {
+        return Fail(error + "\nTry 'minihost --help'.");
+    }
+    if (options.mode == Mode::kHelp) {
+        std::cout << HelpText();
+        return 0;
+    }
+    std::string modulePath;
+    ReadyModule ready;
+    if (!ModulePath(options, modulePath, error) || !OpenModule(modulePath, ready, error)) {
+        return Fail(error);
+    }
+    if (options.mode == Mode::kDescribe) {
+        Describe(*ready.module, ready.table, std::cout);
+        return 0;
+    }
+    Tavrel::AutoRefPtr<Tavrel::IPolicy> policy;
+    if (!MakePolicy(options, policy, error)) {
+        return Fail(error);
+    }
+    Context context(policy);
+    int const status = RunScripts(options, ready, context);
+    DisarmInterruption();
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return Main(argc, argv);
+    } catch (std::exception const& exception) {
+        return Fail(std::string("stopped: ") + exception.what());
+    }
+}
