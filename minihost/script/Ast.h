@@ -3,6 +3,12 @@
 // names a script function (resolved through the module's definition text) or, written
 // `call <entry>(...)`, an exported entry that is called directly. Every node keeps the place
 // where it starts. The tree holds no values of the host and resolves no names.
+//
+// Each kind of statement and of expression is one alternative of a std::variant, and every
+// pass over the tree (the checker, the interpreter) takes them apart with std::visit and an
+// Overloaded visitor that names each kind in a handler of its own. So a kind added to a
+// variant does not compile until every pass handles it: give no handler an `auto` parameter,
+// which would take the new kind in silently.
 #pragma once
 
 #include <string>
@@ -12,6 +18,15 @@
 #include "minihost/script/ScriptError.h"
 
 namespace minihost {
+
+// A visitor made of one callable per kind: std::visit(Overloaded{handlers...}, node).
+template <typename... Handlers>
+struct Overloaded : Handlers... {
+    using Handlers::operator()...;
+};
+// NOTE: C++20 deduces the handlers by itself, but clang (and so clang-tidy) only from 17 on.
+template <typename... Handlers>
+Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 struct Expression;
 

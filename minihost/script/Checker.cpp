@@ -12,23 +12,28 @@ public:
         : mTable(table), mVariables(known) {}
 
     void CheckStatement(Statement const& statement) {
-        std::visit([this](auto const& node) { Check(node); }, statement.node);
+        std::visit(Overloaded{
+                       [this](Assignment const& assignment) {
+                           // The value first: "x = x" uses x before it is assigned.
+                           CheckExpression(assignment.value);
+                           mVariables.insert(assignment.name);
+                       },
+                       [this](Print const& print) { CheckExpression(print.value); },
+                       [this](ExpressionStatement const& alone) { CheckExpression(alone.value); },
+                   },
+                   statement.node);
     }
 
 private:
-    void Check(Assignment const& assignment) {
-        CheckExpression(assignment.value);
-        mVariables.insert(assignment.name);
-    }
-    void Check(Print const& print) { CheckExpression(print.value); }
-    void Check(ExpressionStatement const& statement) { CheckExpression(statement.value); }
-
     void CheckExpression(Expression const& expression) {
-        if (auto const* variable = std::get_if<VariableRef>(&expression.node)) {
-            CheckVariable(*variable, expression.position);
-        } else if (auto const* call = std::get_if<Call>(&expression.node)) {
-            CheckCall(*call, expression.position);
-        }
+        SourcePosition const position = expression.position;
+        std::visit(Overloaded{
+                       [](StringLiteral const& /*literal*/) {},
+                       [](NumberLiteral const& /*literal*/) {},
+                       [&](VariableRef const& variable) { CheckVariable(variable, position); },
+                       [&](Call const& call) { CheckCall(call, position); },
+                   },
+                   expression.node);
     }
 
     void CheckVariable(VariableRef const& variable, SourcePosition position) const {

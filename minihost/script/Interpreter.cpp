@@ -1,6 +1,7 @@
 #include "minihost/script/Interpreter.h"
 
 #include <utility>
+#include <variant>
 
 #include "minihost/script/Checker.h"
 #include "minihost/script/Parser.h"
@@ -80,31 +81,34 @@ RunStatus Interpreter::Run(std::string_view source, std::string const& file, int
 }
 
 void Interpreter::Execute(Statement const& statement) {
-    if (auto const* assignment = std::get_if<Assignment>(&statement.node)) {
-        Variant value = Evaluate(assignment->value);
-        mVariables.insert_or_assign(assignment->name, std::move(value));
-    } else if (auto const* print = std::get_if<Print>(&statement.node)) {
-        mOut << FormatValue(Evaluate(print->value)) << '\n';
-    } else {
-        Variant const value = Evaluate(std::get<ExpressionStatement>(statement.node).value);
-        if (mSettings.echo) {
-            mOut << FormatValue(value) << '\n';
-        }
-    }
+    std::visit(
+        Overloaded{
+            [this](Assignment const& assignment) {
+                Variant value = Evaluate(assignment.value);
+                mVariables.insert_or_assign(assignment.name, std::move(value));
+            },
+            [this](Print const& print) { mOut << FormatValue(Evaluate(print.value)) << '\n'; },
+            [this](ExpressionStatement const& alone) {
+                Variant const value = Evaluate(alone.value);
+                if (mSettings.echo) {
+                    mOut << FormatValue(value) << '\n';
+                }
+            },
+        },
+        statement.node);
 }
 
 Variant Interpreter::Evaluate(Expression const& expression) {
-    if (auto const* text = std::get_if<StringLiteral>(&expression.node)) {
-        return Variant::String(text->bytes);
-    }
-    if (auto const* number = std::get_if<NumberLiteral>(&expression.node)) {
-        return Variant::Number(number->value);
-    }
-    if (auto const* variable = std::get_if<VariableRef>(&expression.node)) {
-        // The checker has made sure that the variable exists.
-        return mVariables.at(variable->name);
-    }
-    return EvaluateCall(std::get<Call>(expression.node), expression.position);
+    SourcePosition const position = expression.position;
+    return std::visit(
+        Overloaded{
+            [](StringLiteral const& text) { return Variant::String(text.bytes); },
+            [](NumberLiteral const& number) { return Variant::Number(number.value); },
+            // The checker has made sure that the variable exists.
+            [this](VariableRef const& variable) { return mVariables.at(variable.name); },
+            [&](Call const& call) { return EvaluateCall(call, position); },
+        },
+        expression.node);
 }
 
 Variant Interpreter::EvaluateCall(Call const& call, SourcePosition position) {

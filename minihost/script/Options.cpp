@@ -32,7 +32,7 @@ public:
             std::string_view const argument = mArgv[mIndex];
             bool ok = true;
             if (optionsEnded || argument.size() < 2 || argument[0] != '-') {
-                ok = SetScript(std::string(argument), Mode::kScript, error);
+                ok = SetScript(argument, Mode::kScript, error);
             } else if (argument == "--") {
                 optionsEnded = true;
             } else {
@@ -46,16 +46,18 @@ public:
     }
 
 private:
-    bool SetScript(std::string script, Mode mode, std::string& error) {
+    // The run's one script: the file's path (kScript) or the statements of -e (kEval).
+    bool SetScript(std::string_view text, Mode mode, std::string& error) {
+        bool const eval = mode == Mode::kEval;
         if (mHasScript) {
-            error = "more than one script: '" + (mode == Mode::kEval ? "-e" : script) + "'";
+            error = "more than one script: '" + std::string(eval ? "-e" : text) + "'";
             return false;
         }
         mHasScript = true;
         if (mOptions.mode != Mode::kDescribe && mOptions.mode != Mode::kHelp) {
             mOptions.mode = mode;
         }
-        mOptions.script = std::move(script);
+        (eval ? mOptions.evalText : mOptions.scriptPath) = std::string(text);
         return true;
     }
 

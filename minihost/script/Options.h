@@ -9,8 +9,8 @@
 namespace minihost {
 
 enum class Mode {
-    kScript,      // run the script file `script`
-    kEval,        // run the statements given with -e
+    kScript,      // run the script file `scriptPath`
+    kEval,        // run the statements `evalText` given with -e
     kStandardIn,  // no script: a prompt on a terminal, else the script read from standard input
     kDescribe,    // --describe
     kHelp,        // --help
@@ -18,7 +18,8 @@ enum class Mode {
 
 struct Options {
     Mode mode = Mode::kStandardIn;
-    std::string script;              // kScript: the file; kEval: the statements
+    std::string scriptPath;          // the script file named on the command line, or ""
+    std::string evalText;            // the statements given with -e, or ""
     std::string module;              // --module; "" => the module next to the program
     bool strict = false;             // --strict
     bool allowAll = false;           // --allow-all
@@ -26,12 +27,13 @@ struct Options {
 };
 
 // Reads argv[1..argc-1]; false with error set on a malformed command line. An option's value
-// may follow as the next argument or after '=' ("--module=x"); "--" ends the options.
+// may follow as the next argument or after '=' ("--module=x"); "--" ends the options. At most
+// one script is given, a file or -e; --describe and --help take the mode but keep the script.
 //   {}                            => kStandardIn
-//   {"t.tvl"}                     => kScript "t.tvl"
-//   {"-e", "print 1"}             => kEval "print 1"
+//   {"t.tvl"}                     => kScript, scriptPath "t.tvl"
+//   {"-e", "print 1"}             => kEval, evalText "print 1"
 //   {"--describe", "--module", "m.so"} => kDescribe, module "m.so"
-//   {"--", "-x.tvl"}              => kScript "-x.tvl"
+//   {"--", "-x.tvl"}              => kScript, scriptPath "-x.tvl"
 //   {"--bogus"}                   => false, "unknown option '--bogus'"
 //   {"--module"}                  => false, "option '--module' needs a value"
 //   {"a.tvl", "b.tvl"}            => false, "more than one script: 'b.tvl'"

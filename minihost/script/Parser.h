@@ -1,4 +1,4 @@
-// Parser: turns the text of a script into its tree (minihost/Ast.h). The grammar:
+// Parser: turns the text of a script into its tree (minihost/script/Ast.h). The grammar:
 //
 //   script     := { [statement] (line end | ';') }
 //   statement  := "print" expression | name "=" expression | expression

@@ -1,6 +1,7 @@
 // minihost: the stand-in for the Tavrel host. Loads the module as the host does, then runs
 // a script file, statements given with -e, a script from standard input, or an interactive
-// prompt; or describes the module. See HelpText() in minihost/Options.cpp for the options.
+// prompt; or describes the module. See HelpText() in minihost/script/Options.cpp for the
+// options.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -93,7 +94,8 @@ bool MakePolicy(Options const& options, Tavrel::AutoRefPtr<Tavrel::IPolicy>& pol
     }
     std::vector<std::string> allowed{current};
     std::string base = current;
-    if (options.mode == Mode::kScript && ResolveRealPath("", DirectoryOf(options.script), base)) {
+    if (options.mode == Mode::kScript &&
+        ResolveRealPath("", DirectoryOf(options.scriptPath), base)) {
         allowed.push_back(base);
     }
     for (std::string const& directory : options.allow) {
@@ -110,6 +112,31 @@ bool MakePolicy(Options const& options, Tavrel::AutoRefPtr<Tavrel::IPolicy>& pol
     return true;
 }
 
+// The text to run and the name that messages give it: the -e statements ("-e"), the script
+// file (its path as given) or standard input ("stdin"). False with error set when the file or
+// standard input cannot be read.
+bool ScriptText(Options const& options, std::string& text, std::string& name, std::string& error) {
+    if (options.mode == Mode::kEval) {
+        text = options.evalText;
+        name = "-e";
+        return true;
+    }
+    if (options.mode == Mode::kScript) {
+        name = options.scriptPath;
+        if (!ReadScript(options.scriptPath, text, error)) {
+            error = "cannot read script '" + options.scriptPath + "': " + error;
+            return false;
+        }
+        return true;
+    }
+    name = "stdin";
+    if (!ReadAll(STDIN_FILENO, text, error)) {
+        error = "cannot read standard input: " + error;
+        return false;
+    }
+    return true;
+}
+
 // Runs the script, the -e statements, standard input or the prompt.
 int RunScripts(Options const& options, ReadyModule& ready, Context& context) {
     InterpreterSettings const settings{
@@ -118,20 +145,11 @@ int RunScripts(Options const& options, ReadyModule& ready, Context& context) {
     if (settings.echo) {
         return RunPrompt(interpreter, context);
     }
-    std::string text = options.script;
-    std::string name = options.mode == Mode::kEval ? "-e" : options.script;
+    std::string text;
+    std::string name;
     std::string error;
-    if (options.mode == Mode::kStandardIn) {
-        text.clear();
-        name = "stdin";
-        if (!ReadAll(STDIN_FILENO, text, error)) {
-            return Fail("cannot read standard input: " + error);
-        }
-    } else if (options.mode == Mode::kScript) {
-        text.clear();
-        if (!ReadScript(options.script, text, error)) {
-            return Fail("cannot read script '" + options.script + "': " + error);
-        }
+    if (!ScriptText(options, text, name, error)) {
+        return Fail(error);
     }
     ArmInterruption(context);
     int const status = static_cast<int>(interpreter.Run(text, name));

@@ -7,7 +7,7 @@
 namespace minihost {
 namespace {
 
-// The options in one line: "<mode> script=<s> module=<m> strict allow-all allow=<d>...",
+// The options in one line: "<mode> path=<p> eval=<e> module=<m> strict allow-all allow=<d>...",
 // or "error: <text>".
 std::string Read(std::vector<char const*> arguments) {
     arguments.insert(arguments.begin(), "minihost");
@@ -18,7 +18,8 @@ std::string Read(std::vector<char const*> arguments) {
     }
     static char const* const kModes[] = {"script", "eval", "stdin", "describe", "help"};
     std::string text = kModes[static_cast<int>(options.mode)];
-    text += " script=" + options.script + " module=" + options.module;
+    text += " path=" + options.scriptPath + " eval=" + options.evalText;
+    text += " module=" + options.module;
     text += options.strict ? " strict" : "";
     text += options.allowAll ? " allow-all" : "";
     for (std::string const& directory : options.allow) {
@@ -33,19 +34,20 @@ TEST(Options, ReadsTheCommandLine) {
         std::string expected;
     };
     Row const rows[] = {
-        {{}, "stdin script= module="},
-        {{"t.tvl"}, "script script=t.tvl module="},
-        {{"-"}, "script script=- module="},
-        {{"-e", "print 1"}, "eval script=print 1 module="},
-        {{"--eval=x = 1"}, "eval script=x = 1 module="},
-        {{"--describe", "--module", "m.so"}, "describe script= module=m.so"},
-        {{"--module=m.so", "--describe", "t.tvl"}, "describe script=t.tvl module=m.so"},
+        {{}, "stdin path= eval= module="},
+        {{"t.tvl"}, "script path=t.tvl eval= module="},
+        {{"-"}, "script path=- eval= module="},
+        {{"-e", "print 1"}, "eval path= eval=print 1 module="},
+        {{"--eval=x = 1"}, "eval path= eval=x = 1 module="},
+        {{"--describe", "--module", "m.so"}, "describe path= eval= module=m.so"},
+        {{"--module=m.so", "--describe", "t.tvl"}, "describe path=t.tvl eval= module=m.so"},
         {{"t.tvl", "--help", "--bogus-after-help-is-still-read"},
          "error: unknown option '--bogus-after-help-is-still-read'"},
-        {{"--help", "t.tvl"}, "help script=t.tvl module="},
+        {{"--help", "t.tvl"}, "help path=t.tvl eval= module="},
+        {{"--describe", "-e", "x"}, "describe path= eval=x module="},
         {{"--strict", "--allow", "a", "--allow=b", "--allow-all", "t.tvl"},
-         "script script=t.tvl module= strict allow-all allow=a allow=b"},
-        {{"--", "--strict"}, "script script=--strict module="},
+         "script path=t.tvl eval= module= strict allow-all allow=a allow=b"},
+        {{"--", "--strict"}, "script path=--strict eval= module="},
         {{"-x"}, "error: unknown option '-x'"},
         {{"--module"}, "error: option '--module' needs a value"},
         {{"--allow"}, "error: option '--allow' needs a value"},
