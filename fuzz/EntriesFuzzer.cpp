@@ -48,7 +48,13 @@ constexpr std::size_t kMaxBufferBytes = 64;
 constexpr std::size_t kMaxStringBytes = 64;
 constexpr std::size_t kMaxLongBufferBytes = 12 * 1024;
 
-using fuzz::Require;
+using tavrel_testing::ArgumentShape;
+using tavrel_testing::ParseDefinition;
+using tavrel_testing::PredictStatus;
+using tavrel_testing::Require;
+using tavrel_testing::ScriptType;
+using tavrel_testing::Signature;
+using tavrel_testing::TypeNumber;
 
 // A user-defined object that counts the objects alive.
 class UserObject final : public InterfaceImpl<Tavrel::IUserDefinedType> {
@@ -76,7 +82,7 @@ public:
 // The loaded module and its entries, in the order of the definition text.
 struct Surface {
     std::unique_ptr<minihost::LoadedModule> module;
-    std::vector<fuzz::Signature> signatures;
+    std::vector<Signature> signatures;
     std::vector<minihost::EntryFunction> entries;
 };
 
@@ -90,12 +96,12 @@ void LoadSurface() {
     std::string error;
     surface.module = minihost::LoadedModule::Load(TAVREL_FUZZ_MODULE_PATH, error);
     Require(surface.module != nullptr, error.c_str(), "module");
-    auto signatures = fuzz::ParseDefinition(surface.module->Definition());
+    auto signatures = ParseDefinition(surface.module->Definition());
     std::vector<std::string_view> const entryNames = minihost::LoadedModule::EntryNames();
     Require(signatures && signatures->size() == entryNames.size(),
             "one readable signature per exported entry", "definition");
     for (std::size_t i = 0; i < entryNames.size(); ++i) {
-        fuzz::Signature const& signature = (*signatures)[i];
+        Signature const& signature = (*signatures)[i];
         Require(signature.entry == entryNames[i], "the entries in the order of the export list",
                 signature.entry);
         minihost::EntryFunction entry = surface.module->Entry(signature.entry);
@@ -193,7 +199,7 @@ enum class ArgumentKind {
 struct CallSetup {
     std::vector<minihost::Variant> values;
     std::vector<Tavrel::IVariant*> pointers;  // the arguments array, count places
-    std::vector<fuzz::ArgumentShape> shapes;
+    std::vector<ArgumentShape> shapes;
     std::vector<double> numbers;       // per place, NUMBER values only
     std::vector<std::string> strings;  // per place, STRING values only
     std::vector<AutoRefPtr<IDataRef>> buffers;
@@ -243,7 +249,7 @@ void AddArgument(FuzzedDataProvider& input, CallSetup& setup) {
         kind = ArgumentKind::kNullPointer;
     }
     minihost::Variant value;
-    fuzz::ArgumentShape shape{true, 0, false};
+    ArgumentShape shape{true, 0, false};
     double number = 0.0;
     std::string text;
     AutoRefPtr<IDataRef> buffer;
@@ -333,7 +339,7 @@ void FillArguments(FuzzedDataProvider& input, CallSetup& setup, int count) {
 bool IsNegativeNumber(double number) { return number <= -1.0; }
 
 // Whether the operation must report once, for a call whose binding succeeded.
-bool ExpectsReport(fuzz::Signature const& signature, CallSetup const& setup, bool interrupted) {
+bool ExpectsReport(Signature const& signature, CallSetup const& setup, bool interrupted) {
     EntryTraits const traits = TraitsOf(signature.entry);
     if (traits.isMapFile) {
         std::string_view const path(setup.strings[0].c_str());  // the host sees it up to a NUL
@@ -343,11 +349,11 @@ bool ExpectsReport(fuzz::Signature const& signature, CallSetup const& setup, boo
         return false;
     }
     for (std::size_t place = 0; place < signature.parameters.size(); ++place) {
-        fuzz::ScriptType const type = signature.parameters[place];
-        if (type == fuzz::ScriptType::kDataRef && !setup.buffers[place]) {
+        ScriptType const type = signature.parameters[place];
+        if (type == ScriptType::kDataRef && !setup.buffers[place]) {
             return true;
         }
-        if (type == fuzz::ScriptType::kNumber && IsNegativeNumber(setup.numbers[place])) {
+        if (type == ScriptType::kNumber && IsNegativeNumber(setup.numbers[place])) {
             return true;
         }
     }
@@ -356,7 +362,7 @@ bool ExpectsReport(fuzz::Signature const& signature, CallSetup const& setup, boo
 
 // Whether a successful call gives a null reference: a copy of a missing buffer, or a file
 // that the host does not give (interrupted or not).
-bool ExpectsNullBuffer(fuzz::Signature const& signature, CallSetup const& setup) {
+bool ExpectsNullBuffer(Signature const& signature, CallSetup const& setup) {
     EntryTraits const traits = TraitsOf(signature.entry);
     if (traits.isMapFile) {
         return !FuzzPolicy::GivesData(setup.strings[0].c_str());
@@ -364,7 +370,7 @@ bool ExpectsNullBuffer(fuzz::Signature const& signature, CallSetup const& setup)
     return traits.nullWithoutBuffer && !setup.buffers[0];
 }
 
-void CheckEmptyValue(minihost::Variant const& result, fuzz::Signature const& signature) {
+void CheckEmptyValue(minihost::Variant const& result, Signature const& signature) {
     Require(result.number() == 0.0 && result.string().empty() && !result.dataPointer(),
             "a failed binding stores the empty value", signature.entry);
 }
@@ -460,7 +466,7 @@ bool ThrowsOnRead(IDataRef const* buffer) {
     return host != nullptr && host->options().readFault == minihost::ReadFault::kThrowHalfway;
 }
 
-void CheckBytesMadeFromRanges(minihost::Variant const& result, fuzz::Signature const& signature,
+void CheckBytesMadeFromRanges(minihost::Variant const& result, Signature const& signature,
                               CallSetup const& setup) {
     std::optional<Ranges> const ranges = RangesOf(signature.entry, setup);
     if (!ranges) {
@@ -473,21 +479,21 @@ void CheckBytesMadeFromRanges(minihost::Variant const& result, fuzz::Signature c
         expected += WrittenByRead(setup, range);
     }
     IDataRef const* const made = result.dataPointer();
-    std::string const got = signature.result == fuzz::ScriptType::kString ? result.string()
-                            : made != nullptr                             ? BytesOf(*made)
-                                                                          : std::string();
+    std::string const got = signature.result == ScriptType::kString ? result.string()
+                            : made != nullptr                       ? BytesOf(*made)
+                                                                    : std::string();
     Require(got == expected, "the result holds what each Read wrote and zero elsewhere",
             signature.entry);
 }
 
-void CheckBoundValue(minihost::Variant const& result, fuzz::Signature const& signature,
+void CheckBoundValue(minihost::Variant const& result, Signature const& signature,
                      CallSetup const& setup) {
-    if (signature.result == fuzz::ScriptType::kNumber) {
+    if (signature.result == ScriptType::kNumber) {
         unsigned long long const size = setup.buffers[0] ? setup.buffers[0]->GetSize() : 0;
         Require(result.number() == static_cast<double>(size), "Size gives the size",
                 signature.entry);
     }
-    if (signature.result != fuzz::ScriptType::kDataRef) {
+    if (signature.result != ScriptType::kDataRef) {
         return;
     }
     IDataRef* const made = result.dataPointer();
@@ -503,12 +509,12 @@ void CheckBoundValue(minihost::Variant const& result, fuzz::Signature const& sig
     }
 }
 
-void CheckResult(minihost::Variant const& result, fuzz::Signature const& signature,
-                 unsigned int status, CallSetup const& setup) {
+void CheckResult(minihost::Variant const& result, Signature const& signature, unsigned int status,
+                 CallSetup const& setup) {
     Require(result.assignments() == 1, "the result variant gets exactly one value",
             signature.entry);
-    Require(result.type() == fuzz::TypeNumber(signature.result),
-            "the result has the entry's result type", signature.entry);
+    Require(result.type() == TypeNumber(signature.result), "the result has the entry's result type",
+            signature.entry);
     if (status != 0) {
         CheckEmptyValue(result, signature);
     } else {
@@ -552,7 +558,7 @@ void RunOneCall(FuzzedDataProvider& input) {
     Surface& surface = TheSurface();
     std::size_t const which =
         input.ConsumeIntegralInRange<std::size_t>(0, surface.signatures.size() - 1);
-    fuzz::Signature const& signature = surface.signatures[which];
+    Signature const& signature = surface.signatures[which];
     int const count = input.ConsumeIntegralInRange(-2, kMaxArguments);
     bool const interrupted = input.ConsumeBool();
     bool const withResult = input.ConsumeBool();
@@ -587,7 +593,7 @@ void RunOneCall(FuzzedDataProvider& input) {
         return;
     }
 
-    Require(status == fuzz::PredictStatus(signature, count, setup.shapes),
+    Require(status == PredictStatus(signature, count, setup.shapes),
             "the status word follows the binding rules", signature.entry);
     int const expectedReports = status == 0 && ExpectsReport(signature, setup, interrupted);
     Require(reports.count == expectedReports, "one report exactly for a bad value",

@@ -1,6 +1,6 @@
 #include "fuzz/EntrySignatures.h"
 
-namespace fuzz {
+namespace tavrel_testing {
 
 namespace {
 
@@ -140,4 +140,4 @@ unsigned int PredictStatus(Signature const& signature, int count,
     return 0;
 }
 
-}  // namespace fuzz
+}  // namespace tavrel_testing

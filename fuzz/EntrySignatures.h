@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-namespace fuzz {
+namespace tavrel_testing {
 
 // A script type named in the definition text.
 enum class ScriptType { kNumber, kString, kDataRef };
@@ -48,4 +48,4 @@ struct ArgumentShape {
 unsigned int PredictStatus(Signature const& signature, int count,
                            std::vector<ArgumentShape> const& arguments);
 
-}  // namespace fuzz
+}  // namespace tavrel_testing

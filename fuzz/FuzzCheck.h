@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-namespace fuzz {
+namespace tavrel_testing {
 
 // Prints "broken rule in <where>: <rule>" and aborts.
 [[noreturn]] inline void Fail(char const* rule, std::string const& where) {
@@ -21,4 +21,4 @@ inline void Require(bool holds, char const* rule, std::string const& where) {
     }
 }
 
-}  // namespace fuzz
+}  // namespace tavrel_testing

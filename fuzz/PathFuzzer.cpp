@@ -12,15 +12,15 @@
 #include <string_view>
 
 #include "fuzz/FuzzCheck.h"
-#include "fuzz/PathReferences.h"
-#include "fuzz/StringReferences.h"
 #include "path/FSPath.h"
+#include "testing/PathReferences.h"
+#include "testing/StringReferences.h"
 
 namespace {
 
-namespace ref = fuzz::reference;
-using fuzz::Require;
+namespace ref = tavrel_testing::reference;
 using Tavrel::FSPath;
+using tavrel_testing::Require;
 
 constexpr std::size_t kMaxPath = 48;
 

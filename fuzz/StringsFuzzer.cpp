@@ -11,7 +11,6 @@
 #include <string_view>
 
 #include "fuzz/FuzzCheck.h"
-#include "fuzz/StringReferences.h"
 #include "strings/Case.h"
 #include "strings/Compare.h"
 #include "strings/Escape.h"
@@ -20,11 +19,12 @@
 #include "strings/Split.h"
 #include "strings/Trim.h"
 #include "strings/Validate.h"
+#include "testing/StringReferences.h"
 
 namespace {
 
-namespace ref = fuzz::reference;
-using fuzz::Require;
+namespace ref = tavrel_testing::reference;
+using tavrel_testing::Require;
 
 constexpr std::size_t kMaxText = 512;
 constexpr std::size_t kMaxPiece = 8;

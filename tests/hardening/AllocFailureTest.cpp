@@ -16,16 +16,22 @@
 #include "minihost/host/LiveCount.h"
 #include "minihost/host/MemoryBuffer.h"
 #include "minihost/host/Variant.h"
+#include "testing/TestFiles.h"
 #include "tests/hardening/CountingAllocator.h"
 #include "tests/hardening/LoadedBinary.h"
-#include "tests/minihost/TestFiles.h"
 
 namespace {
 
 using minihost::Variant;
-using minihost::testing::OpenDescriptors;
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
+using tavrel_testing::Binary;
+using tavrel_testing::CallValues;
+using tavrel_testing::CountingAllocator;
+using tavrel_testing::EntryCall;
+using tavrel_testing::EntryOf;
+using tavrel_testing::EveryEntryCall;
+using tavrel_testing::OpenDescriptors;
 
 // A result variant whose assignments are all or nothing: the new value is built on a copy
 // and moved in. NOTE: minihost's Variant drops its old value before it copies a new string,
@@ -69,8 +75,8 @@ private:
 // One entry call of the table, repeated with each of its allocations failing in turn.
 class CaseRun {
 public:
-    CaseRun(hardening::EntryCall call, hardening::CallValues const& values)
-        : mCall(std::move(call)), mValues(values), mEntry(hardening::EntryOf(mCall.entry)) {}
+    CaseRun(EntryCall call, CallValues const& values)
+        : mCall(std::move(call)), mValues(values), mEntry(EntryOf(mCall.entry)) {}
 
     // One call, with the result variant at its earlier value, counting the reports; the
     // status word.
@@ -78,7 +84,7 @@ public:
         minihost::Context context{mPolicy};
         context.SetErrorHandler([&reports](minihost::ErrorReport const&) { ++reports; });
         return mEntry(static_cast<int>(mCall.arguments.size()), mCall.arguments.data(), &result,
-                      hardening::Binary().Info(), &context);
+                      Binary().Info(), &context);
     }
 
     unsigned int Call(int& reports) {
@@ -91,9 +97,9 @@ public:
         int reports = 0;
         Call(reports);  // lets everything that is made once be made first
         reports = 0;
-        long const before = allocfail::Calls();
+        long const before = CountingAllocator::Calls();
         EXPECT_EQ(Call(reports), 0u) << mCall.name;
-        long const made = allocfail::Calls() - before;
+        long const made = CountingAllocator::Calls() - before;
         EXPECT_EQ(reports, mCall.reports) << mCall.name;
         return made;
     }
@@ -106,19 +112,19 @@ public:
         std::vector<int> const counts = Counts();
         long const hostBuffers = minihost::LiveToken::Count();
         long const descriptors = OpenDescriptors();
-        long const blocks = allocfail::LiveBlocks();
+        long const blocks = CountingAllocator::LiveBlocks();
 
         bool threw = false;
-        allocfail::FailNth(n);
+        CountingAllocator::FailNth(n);
         try {
             Invoke(result, reports);
         } catch (std::bad_alloc const&) {
             threw = true;
         }
-        allocfail::Disarm();
+        CountingAllocator::Disarm();
 
-        EXPECT_TRUE(threw && allocfail::Fired());
-        EXPECT_EQ(allocfail::LiveBlocks(), blocks);
+        EXPECT_TRUE(threw && CountingAllocator::Fired());
+        EXPECT_EQ(CountingAllocator::LiveBlocks(), blocks);
         EXPECT_EQ(result.held().dataPointer(), mEarlier.get());
         EXPECT_EQ(Counts(), counts);
         EXPECT_EQ(minihost::LiveToken::Count(), hostBuffers);
@@ -128,10 +134,10 @@ public:
     // With the failure armed one allocation too late the call completes.
     void SucceedsWith(long allocations) {
         int reports = 0;
-        allocfail::FailNth(allocations + 1);
+        CountingAllocator::FailNth(allocations + 1);
         EXPECT_EQ(Call(reports), 0u) << mCall.name;
-        allocfail::Disarm();
-        EXPECT_FALSE(allocfail::Fired()) << mCall.name << ": more allocations than counted";
+        CountingAllocator::Disarm();
+        EXPECT_FALSE(CountingAllocator::Fired()) << mCall.name << ": more allocations than counted";
     }
 
 private:
@@ -143,8 +149,8 @@ private:
         return counts;
     }
 
-    hardening::EntryCall mCall;
-    hardening::CallValues const& mValues;
+    EntryCall mCall;
+    CallValues const& mValues;
     minihost::EntryFunction mEntry;
     AutoRefPtr<IDataRef> mEarlier{new minihost::MemoryBuffer("what the result held before")};
     AutoRefPtr<Tavrel::IPolicy> mPolicy{new minihost::FilePolicy()};
@@ -153,7 +159,7 @@ private:
 class AllocFailure : public testing::Test {
 protected:
     void SetUp() override {
-        if (!allocfail::Active()) {
+        if (!CountingAllocator::Active()) {
             GTEST_SKIP() << "sanitizers replace operator new themselves";
         }
     }
@@ -164,23 +170,23 @@ TEST_F(AllocFailure, TheModuleAllocatesThroughTheTestsOperatorNew) {
     Variant result;
     Tavrel::IVariant* arguments[] = {&text};
     minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
-    minihost::EntryFunction const toDataRef = hardening::EntryOf("ToDataRef");  // loads it
-    long const calls = allocfail::Calls();
-    long const blocks = allocfail::LiveBlocks();
-    toDataRef(1, arguments, &result, hardening::Binary().Info(), &context);
+    minihost::EntryFunction const toDataRef = EntryOf("ToDataRef");  // loads it
+    long const calls = CountingAllocator::Calls();
+    long const blocks = CountingAllocator::LiveBlocks();
+    toDataRef(1, arguments, &result, Binary().Info(), &context);
     // The new buffer and its 1000 bytes, at least.
-    EXPECT_GE(allocfail::Calls() - calls, 2);
-    EXPECT_GE(allocfail::LiveBlocks() - blocks, 2);
+    EXPECT_GE(CountingAllocator::Calls() - calls, 2);
+    EXPECT_GE(CountingAllocator::LiveBlocks() - blocks, 2);
     result = Variant();
-    EXPECT_EQ(allocfail::LiveBlocks(), blocks);
+    EXPECT_EQ(CountingAllocator::LiveBlocks(), blocks);
 }
 
 TEST_F(AllocFailure, EveryAllocationOfEveryEntryFailsCleanly) {
-    hardening::CallValues values;
+    CallValues values;
     std::set<std::string> entries;
     int calls = 0;
     long failures = 0;
-    for (hardening::EntryCall const& call : hardening::EveryEntryCall(values)) {
+    for (EntryCall const& call : EveryEntryCall(values)) {
         entries.insert(call.entry);
         CaseRun run(call, values);
         long const allocations = run.Allocations();

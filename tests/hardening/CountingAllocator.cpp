@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <new>
 
-namespace allocfail {
+namespace tavrel_testing {
 
 namespace {
 
@@ -41,30 +41,30 @@ void Free(void* block) noexcept {
 }  // namespace
 
 #ifdef TAVREL_SANITIZED
-bool Active() { return false; }
+bool CountingAllocator::Active() { return false; }
 #else
-bool Active() { return true; }
+bool CountingAllocator::Active() { return true; }
 #endif
 
-long LiveBlocks() { return gLive.load(); }
+long CountingAllocator::LiveBlocks() { return gLive.load(); }
 
-long Calls() { return gCalls.load(); }
+long CountingAllocator::Calls() { return gCalls.load(); }
 
-void FailNth(long n) {
+void CountingAllocator::FailNth(long n) {
     gFired.store(false);
     gFailAt.store(gCalls.load() + n);
 }
 
-void Disarm() { gFailAt.store(0); }
+void CountingAllocator::Disarm() { gFailAt.store(0); }
 
-bool Fired() { return gFired.load(); }
+bool CountingAllocator::Fired() { return gFired.load(); }
 
-}  // namespace allocfail
+}  // namespace tavrel_testing
 
 #ifndef TAVREL_SANITIZED
 // NOTE: only these are replaced. The standard library's own array and nothrow forms call them,
 // so every allocation and release of the program and the module comes here.
-void* operator new(std::size_t size) { return allocfail::Allocate(size); }
-void operator delete(void* block) noexcept { allocfail::Free(block); }
-void operator delete(void* block, std::size_t) noexcept { allocfail::Free(block); }
+void* operator new(std::size_t size) { return tavrel_testing::Allocate(size); }
+void operator delete(void* block) noexcept { tavrel_testing::Free(block); }
+void operator delete(void* block, std::size_t) noexcept { tavrel_testing::Free(block); }
 #endif

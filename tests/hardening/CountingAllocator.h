@@ -6,25 +6,31 @@
 // operator new themselves; Active() then says false and the counts stay 0.
 #pragma once
 
-namespace allocfail {
+namespace tavrel_testing {
 
-// Whether the replacement is in this program.
-bool Active();
+// The counts and the armed failure of the replacement: one per program, so every member is
+// static.
+class CountingAllocator {
+public:
+    // Whether the replacement is in this program.   built with sanitizers => false
+    static bool Active();
 
-// Blocks from operator new not yet given back.
-long LiveBlocks();
+    // Blocks from operator new not yet given back.
+    static long LiveBlocks();
 
-// operator new calls since the program started, failed ones included.
-long Calls();
+    // operator new calls since the program started, failed ones included.
+    static long Calls();
 
-// Makes the n-th operator new call from now fail (n = 1: the next one) and clears Fired.
-// The failure fires once and disarms itself.
-void FailNth(long n);
+    // Makes the n-th operator new call from now fail (n = 1: the next one) and clears Fired.
+    // The failure fires once and disarms itself.
+    static void FailNth(long n);
 
-// Takes back a failure that has not fired yet; Fired keeps its value.
-void Disarm();
+    // Takes back a failure that has not fired yet; Fired keeps its value.
+    static void Disarm();
 
-// Whether the failure armed by the last FailNth has fired.
-bool Fired();
+    // Whether the failure armed by the last FailNth has fired.
+    //   FailNth(1), one allocation => true     FailNth(2), one allocation, Disarm => false
+    static bool Fired();
+};
 
-}  // namespace allocfail
+}  // namespace tavrel_testing

@@ -8,7 +8,7 @@
 #include "minihost/host/Context.h"
 #include "minihost/host/MemoryBuffer.h"
 
-namespace hardening {
+namespace tavrel_testing {
 
 namespace {
 
@@ -30,7 +30,7 @@ AutoRefPtr<IDataRef> ModuleBuffer(std::string_view bytes) {
     Variant result;
     Tavrel::IVariant* arguments[] = {&text};
     minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
-    hardening::EntryOf("ToDataRef")(1, arguments, &result, hardening::Binary().Info(), &context);
+    EntryOf("ToDataRef")(1, arguments, &result, Binary().Info(), &context);
     return result.data();
 }
 
@@ -120,4 +120,4 @@ std::vector<EntryCall> EveryEntryCall(CallValues& v) {
     };
 }
 
-}  // namespace hardening
+}  // namespace tavrel_testing

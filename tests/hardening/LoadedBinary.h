@@ -1,7 +1,8 @@
 // LoadedBinary: the built module, loaded once per test program through minihost's loader
 // (dlopen, as the host loads it), its entries by their short names, and one table of calls
 // that reaches every entry with typical arguments and with arguments that it reports. A
-// module that does not load fails the test program at once.
+// module that does not load fails the test program at once. It checks no result itself:
+// the tests do.
 #pragma once
 
 #include <string_view>
@@ -9,9 +10,9 @@
 
 #include "minihost/host/ModuleLoader.h"
 #include "minihost/host/Variant.h"
-#include "tests/minihost/TestFiles.h"
+#include "testing/TestFiles.h"
 
-namespace hardening {
+namespace tavrel_testing {
 
 minihost::LoadedModule& Binary();
 
@@ -26,7 +27,7 @@ struct CallValues {
     std::vector<Tavrel::IDataRef*> Buffers() const;
     std::vector<int> Counts() const;
 
-    minihost::testing::TempDir directory;  // of the file, a fresh one for each program run
+    TempDir directory;  // of the file, a fresh one for each program run
     minihost::Variant module, host, hidden, missing, text, file, noFile;
     minihost::Variant three, many, negative;  // 3, 500 (past every end), -1
 };
@@ -41,4 +42,4 @@ struct EntryCall {
 // Every entry, each with typical arguments and most also with arguments that it reports.
 std::vector<EntryCall> EveryEntryCall(CallValues& v);
 
-}  // namespace hardening
+}  // namespace tavrel_testing

@@ -24,6 +24,11 @@ namespace {
 using minihost::Variant;
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
+using tavrel_testing::Binary;
+using tavrel_testing::CallValues;
+using tavrel_testing::EntryCall;
+using tavrel_testing::EntryOf;
+using tavrel_testing::EveryEntryCall;
 
 constexpr int kThreads = 4;
 constexpr int kRounds = 400;
@@ -34,7 +39,7 @@ constexpr std::size_t kMailboxSlots = 8;
 // the counts of the buffers and the mailbox.
 class SharedWorld {
 public:
-    std::vector<hardening::EntryCall> const& Calls() const { return mCalls; }
+    std::vector<EntryCall> const& Calls() const { return mCalls; }
     std::vector<IDataRef*> Buffers() const { return mValues.Buffers(); }
     std::vector<int> Counts() const { return mValues.Counts(); }
     AutoRefPtr<Tavrel::IPolicy> const& Policy() const { return mPolicy; }
@@ -61,8 +66,8 @@ public:
     }
 
 private:
-    hardening::CallValues mValues;
-    std::vector<hardening::EntryCall> const mCalls = hardening::EveryEntryCall(mValues);
+    CallValues mValues;
+    std::vector<EntryCall> const mCalls = EveryEntryCall(mValues);
     AutoRefPtr<Tavrel::IPolicy> mPolicy{new minihost::FilePolicy()};
     std::array<std::atomic<IDataRef*>, kMailboxSlots> mMailbox{};
 };
@@ -90,15 +95,14 @@ void ChurnReferences(std::vector<IDataRef*> const& shared, Tally& tally) {
 }
 
 // One call; a buffer in the result goes into the mailbox with the only reference to it.
-void CallAndHandOver(SharedWorld& world, hardening::EntryCall& call, std::size_t slot,
-                     Tally& tally) {
+void CallAndHandOver(SharedWorld& world, EntryCall& call, std::size_t slot, Tally& tally) {
     int reports = 0;
     minihost::Context context{world.Policy()};
     context.SetErrorHandler([&reports](minihost::ErrorReport const&) { ++reports; });
     Variant result;
-    unsigned int const status = hardening::EntryOf(call.entry)(
-        static_cast<int>(call.arguments.size()), call.arguments.data(), &result,
-        hardening::Binary().Info(), &context);
+    unsigned int const status =
+        EntryOf(call.entry)(static_cast<int>(call.arguments.size()), call.arguments.data(), &result,
+                            Binary().Info(), &context);
     tally.wrongStatus += status != 0 ? 1 : 0;
     tally.wrongReports += reports != call.reports ? 1 : 0;
     AutoRefPtr<IDataRef> made = result.data();
@@ -116,7 +120,7 @@ void CallAndHandOver(SharedWorld& world, hardening::EntryCall& call, std::size_t
 }
 
 void Work(SharedWorld& world, int thread, Tally& tally) {
-    std::vector<hardening::EntryCall> calls = world.Calls();  // shared variants, read only
+    std::vector<EntryCall> calls = world.Calls();  // shared variants, read only
     std::vector<IDataRef*> const shared = world.Buffers();
     for (int round = 0; round < kRounds; ++round) {
         ChurnReferences(shared, tally);

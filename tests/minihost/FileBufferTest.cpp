@@ -10,13 +10,15 @@
 #include "minihost/host/FileBuffer.h"
 #include "minihost/host/FilePolicy.h"
 #include "minihost/host/MemoryBuffer.h"
-#include "tests/minihost/TestFiles.h"
+#include "testing/TestFiles.h"
 
 namespace minihost {
 namespace {
 
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
+using tavrel_testing::OpenDescriptors;
+using tavrel_testing::TempDir;
 
 AutoRefPtr<IDataRef> Load(std::string const& path) {
     return AutoRefPtr<FilePolicy>(new FilePolicy())->LoadData(nullptr, path.c_str());
@@ -34,7 +36,7 @@ AutoRefPtr<IDataRef> InMemory(std::string const& bytes, bool expose = true) {
 }
 
 TEST(FileBuffer, ReadsRangesAndComparesWithOtherBuffers) {
-    testing::TempDir dir;
+    TempDir dir;
     std::string content = "0123x5" + std::string(8190, 'q');
     content[4] = '\0';
     std::string lastDiffers = content;
@@ -52,7 +54,7 @@ TEST(FileBuffer, ReadsRangesAndComparesWithOtherBuffers) {
 }
 
 TEST(FileBuffer, AFileThatShrinksGivesShortReads) {
-    testing::TempDir dir;
+    TempDir dir;
     std::string const content(100, 'a');
     std::string const path = dir.Write("f", content);
     AutoRefPtr<IDataRef> buffer = Load(path);
@@ -70,7 +72,7 @@ TEST(FileBuffer, ACloneOfAShrunkFileHoldsExactlyWhatWasRead) {
         unsigned long long now;
     };
     for (Row const row : {Row{100, 60}, Row{1 << 20, 10}}) {
-        testing::TempDir dir;
+        TempDir dir;
         std::string const path = dir.Write("f", std::string(row.atOpen, 'a'));
         AutoRefPtr<IDataRef> buffer = Load(path);
         ASSERT_TRUE(buffer);
@@ -135,7 +137,7 @@ CloneCost MeasureCloneInChild(std::string const& path) {
 }
 
 TEST(FileBuffer, CloningAFileNeedsItsSizeInMemoryOnce) {
-    testing::TempDir dir;
+    TempDir dir;
     unsigned long long const size = 256ULL << 20;
     std::string const path = dir.Path("sparse");
     dir.Write("sparse", "");
@@ -151,23 +153,22 @@ TEST(FileBuffer, CloningAFileNeedsItsSizeInMemoryOnce) {
 }
 
 TEST(FileBuffer, AssignMovesTheContentToMemoryAndClosesTheFile) {
-    testing::TempDir dir;
+    TempDir dir;
     std::string const path = dir.Write("f", "file bytes");
-    long const descriptorsBefore = testing::OpenDescriptors();
+    long const descriptorsBefore = OpenDescriptors();
     long const liveBefore = MemoryBuffer::LiveCount();
     {
         AutoRefPtr<IDataRef> buffer = Load(path);
         AutoRefPtr<IDataRef> held = Load(path);
         ASSERT_TRUE(buffer && held);
-        EXPECT_EQ(testing::OpenDescriptors(), descriptorsBefore + 2);
+        EXPECT_EQ(OpenDescriptors(), descriptorsBefore + 2);
         EXPECT_EQ(MemoryBuffer::LiveCount(), liveBefore + 2);
         buffer->Assign("new", 3);
-        EXPECT_EQ(testing::OpenDescriptors(), descriptorsBefore + 1);
+        EXPECT_EQ(OpenDescriptors(), descriptorsBefore + 1);
         EXPECT_EQ(ReadRange(buffer, 10, 0), "new");
         EXPECT_EQ(ReadRange(buffer->Clone(), 10, 0), "new");
     }
-    EXPECT_EQ(testing::OpenDescriptors(), descriptorsBefore)
-        << "the descriptor is closed on release";
+    EXPECT_EQ(OpenDescriptors(), descriptorsBefore) << "the descriptor is closed on release";
     EXPECT_EQ(MemoryBuffer::LiveCount(), liveBefore);
 }
 

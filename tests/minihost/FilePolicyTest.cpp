@@ -6,16 +6,18 @@
 
 #include "minihost/host/FilePolicy.h"
 #include "minihost/host/MemoryBuffer.h"
-#include "tests/minihost/TestFiles.h"
+#include "testing/TestFiles.h"
 
 namespace minihost {
 namespace {
 
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
+using tavrel_testing::OpenDescriptors;
+using tavrel_testing::TempDir;
 
 TEST(FilePolicy, GivesABufferForARegularFileOnlyAndNeverBlocks) {
-    testing::TempDir dir;
+    TempDir dir;
     std::string const fifo = dir.Path("fifo");
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
     std::string const full = dir.Write("full", "abc");
@@ -35,7 +37,7 @@ TEST(FilePolicy, GivesABufferForARegularFileOnlyAndNeverBlocks) {
     };
     AutoRefPtr<FilePolicy> policy(new FilePolicy());
     long const liveBefore = MemoryBuffer::LiveCount();
-    long const descriptors = testing::OpenDescriptors();
+    long const descriptors = OpenDescriptors();
     ::alarm(5);  // a load that blocks ends the program
     for (Row const& row : rows) {
         SCOPED_TRACE(row.name);
@@ -44,7 +46,7 @@ TEST(FilePolicy, GivesABufferForARegularFileOnlyAndNeverBlocks) {
     }
     ::alarm(0);
     EXPECT_EQ(MemoryBuffer::LiveCount(), liveBefore);
-    EXPECT_EQ(testing::OpenDescriptors(), descriptors) << "a refused file is closed again";
+    EXPECT_EQ(OpenDescriptors(), descriptors) << "a refused file is closed again";
 }
 
 }  // namespace

@@ -4,16 +4,18 @@
 #include <string>
 
 #include "minihost/host/ModuleLoader.h"
-#include "tests/minihost/TestFiles.h"
+#include "testing/TestFiles.h"
 
 namespace minihost {
 namespace {
+
+using tavrel_testing::TempDir;
 
 std::string const kFullModule = MINIHOST_FAKE_MODULE_FULL;
 std::string const kPartialModule = MINIHOST_FAKE_MODULE_PARTIAL;
 
 TEST(LoadedModule, RefusesWhatCannotBeOpenedAndNamesThePath) {
-    testing::TempDir dir;
+    TempDir dir;
     std::string const notElf = dir.Write("text.so", std::string(200, 't'));
     std::string const withNul("lib\0x.so", 8);
     struct Row {

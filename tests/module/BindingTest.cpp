@@ -13,14 +13,17 @@
 namespace {
 
 using minihost::Variant;
-using moduletest::Call;
+using tavrel_testing::Call;
+using tavrel_testing::CallEntry;
+using tavrel_testing::ModuleBuffer;
+using tavrel_testing::Shown;
 
 class UserObject final : public InterfaceImpl<Tavrel::IUserDefinedType> {
 public:
     char const* Interface_GetTypeName() const override { return "Test.Object"; }
 };
 
-Variant Buffer(std::string_view bytes) { return Variant::DataRef(moduletest::ModuleBuffer(bytes)); }
+Variant Buffer(std::string_view bytes) { return Variant::DataRef(ModuleBuffer(bytes)); }
 Variant Number(double value) { return Variant::Number(value); }
 Variant Text(std::string_view bytes) { return Variant::String(bytes); }
 Variant NoObject() { return Variant::UserDefined(21, Tavrel::AutoRefPtr<Tavrel::IUserDefinedType>()); }
@@ -65,7 +68,7 @@ TEST(Binding, StatusWords) {
             char const* empty = entry == "BinarySize"       ? "5:0"
                                 : entry == "BinaryToString" ? "9:"
                                                             : "13:null";
-            EXPECT_EQ(moduletest::Shown(call.result), empty) << row.name;
+            EXPECT_EQ(Shown(call.result), empty) << row.name;
             EXPECT_EQ(call.result.assignments(), 1) << row.name;
         }
     }
@@ -78,11 +81,10 @@ TEST(Binding, NullResultVariantStillRunsTheOperation) {
     Variant text = Text("abc");
     Variant offset = Number(-1);
     Variant count = Number(1);
-    EXPECT_EQ(moduletest::CallEntry("ToDataRefPart", {&text, &offset, &count}, nullptr, &context),
-              0u);
+    EXPECT_EQ(CallEntry("ToDataRefPart", {&text, &offset, &count}, nullptr, &context), 0u);
     EXPECT_EQ(reports, 1);
     // A failed binding with a null result stores nothing and does not crash.
-    EXPECT_EQ(moduletest::CallEntry("ToDataRefPart", {}, nullptr, &context), 65537u);
+    EXPECT_EQ(CallEntry("ToDataRefPart", {}, nullptr, &context), 65537u);
 }
 
 // A STRING argument that logs which of its readers the binding calls, in order.
@@ -123,7 +125,7 @@ TEST(Binding, StringArgumentsAreReadBytesFirstThenCount) {
     for (Row const& row : rows) {
         minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(nullptr));
         LoggingText text(row.bytes);
-        EXPECT_EQ(moduletest::CallEntry(row.entry, {&text}, nullptr, &context), 0u)
+        EXPECT_EQ(CallEntry(row.entry, {&text}, nullptr, &context), 0u)
             << row.entry << " \"" << row.bytes << '"';
         EXPECT_EQ(text.Log(), "TSZ") << row.entry << " \"" << row.bytes << '"';
     }

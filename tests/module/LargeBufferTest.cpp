@@ -20,6 +20,11 @@ using minihost::ReadFault;
 using minihost::Variant;
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
+using tavrel_testing::BytesOf;
+using tavrel_testing::Call;
+using tavrel_testing::CallEntry;
+using tavrel_testing::CallResult;
+using tavrel_testing::ModuleBuffer;
 
 constexpr std::size_t kSize = 50000;
 constexpr char kStale = '\xA5';
@@ -89,7 +94,7 @@ std::vector<Variant> ArgumentsOf(Road const& road, AutoRefPtr<MemoryBuffer> cons
                                  std::string const& head) {
     std::vector<Variant> arguments;
     if (road.appendsToFirst) {
-        arguments.push_back(Variant::DataRef(moduletest::ModuleBuffer(head)));
+        arguments.push_back(Variant::DataRef(ModuleBuffer(head)));
     }
     arguments.push_back(Variant::DataRef(AutoRefPtr<IDataRef>(host)));
     for (double number : road.numbers) {
@@ -99,9 +104,8 @@ std::vector<Variant> ArgumentsOf(Road const& road, AutoRefPtr<MemoryBuffer> cons
 }
 
 std::string BytesOfResult(Variant const& result) {
-    return result.type() == Tavrel::VariantType::kString
-               ? result.string()
-               : moduletest::BytesOf(result.dataPointer());
+    return result.type() == Tavrel::VariantType::kString ? result.string()
+                                                         : BytesOf(result.dataPointer());
 }
 
 TEST(ReadRoads, ResultHoldsWhatReadWroteAndZeroElsewhere) {
@@ -116,7 +120,7 @@ TEST(ReadRoads, ResultHoldsWhatReadWroteAndZeroElsewhere) {
                     new MemoryBuffer(source, {false, fault.chunk, fault.fault}));
                 std::vector<Variant> arguments = ArgumentsOf(road, host, head);
                 LeaveHeapDirty();
-                moduletest::CallResult const call = moduletest::Call(road.entry, arguments);
+                CallResult const call = Call(road.entry, arguments);
                 std::string const expected =
                     (road.appendsToFirst ? head : "") +
                     Written(road.offset, road.count, fault.chunk, fault.fault);
@@ -151,7 +155,7 @@ TEST(ReadRoads, ReadThatThrowsHalfWayPassesThroughAndLeavesNothing) {
                 }
                 Variant result = Variant::String("earlier");
                 minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
-                EXPECT_THROW(moduletest::CallEntry(road.entry, pointers, &result, &context),
+                EXPECT_THROW(CallEntry(road.entry, pointers, &result, &context),
                              std::runtime_error);
                 EXPECT_EQ(result.assignments(), 0);
                 EXPECT_EQ(result.string(), "earlier");

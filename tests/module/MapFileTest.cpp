@@ -14,6 +14,8 @@ namespace {
 
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
+using tavrel_testing::CallEntry;
+using tavrel_testing::Report;
 
 // A policy that gives a fixed answer and remembers the paths it was asked for.
 class FixedPolicy final : public InterfaceImpl<Tavrel::IPolicy> {
@@ -50,7 +52,7 @@ public:
         reports.push_back({severity, module, error, reason});
     }
     mutable int policyCountAtInterruptTest = 0;
-    std::vector<moduletest::Report> reports;
+    std::vector<Report> reports;
 
 private:
     FixedPolicy* mPolicy;
@@ -60,7 +62,7 @@ private:
 struct Outcome {
     unsigned status;
     IDataRef* result;
-    std::vector<moduletest::Report> reports;
+    std::vector<Report> reports;
     std::vector<std::string> paths;
     int policyCount;
 };
@@ -72,7 +74,7 @@ Outcome MapFile(std::string const& path, AutoRefPtr<IDataRef> answer, bool inter
     OrderContext context(policy.get(), interrupted);
     minihost::Variant argument = minihost::Variant::String(path);
     minihost::Variant result;
-    unsigned const status = moduletest::CallEntry("BinaryMapFile", {&argument}, &result, &context);
+    unsigned const status = CallEntry("BinaryMapFile", {&argument}, &result, &context);
     return {status, result.dataPointer(), context.reports,
             hasPolicy ? policy->paths : std::vector<std::string>(),
             context.policyCountAtInterruptTest};
@@ -109,7 +111,7 @@ TEST(MapFile, PassesOnThePolicysAnswer) {
                   hasPolicy ? std::vector<std::string>{row.pathSeen} : std::vector<std::string>())
             << row.name;
         EXPECT_EQ(outcome.policyCount, hasPolicy ? 1 : 0) << row.name;
-        std::vector<moduletest::Report> expected;
+        std::vector<Report> expected;
         if (*row.reason != '\0') {
             expected.push_back({2, "Binary", "Error.System.Access", row.reason});
         }

@@ -9,7 +9,7 @@
 #include "host/VariantType.h"
 #include "minihost/host/FilePolicy.h"
 
-namespace moduletest {
+namespace tavrel_testing {
 
 minihost::LoadedModule& Module() {
     static std::unique_ptr<minihost::LoadedModule> module = [] {
@@ -93,4 +93,4 @@ std::vector<Report> InvalidArguments(std::string reason) {
     return {InvalidArgument(std::move(reason))};
 }
 
-}  // namespace moduletest
+}  // namespace tavrel_testing

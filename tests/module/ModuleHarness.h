@@ -1,5 +1,7 @@
-// Drives the built module the way a host does: dlopen through the minihost loader, then
-// entries called with host variants and a context that records every error report.
+// ModuleHarness: drives the built module the way a host does: dlopen through the minihost
+// loader, then entries called with host variants and a context that records every error
+// report. It judges nothing itself (a missing entry aside, which fails the test): the tests
+// compare what it gives. It serves the module tests; the hardening tests have LoadedBinary.
 #pragma once
 
 #include <string>
@@ -12,7 +14,7 @@
 #include "object/AutoRefPtr.h"
 #include "object/IDataRef.h"
 
-namespace moduletest {
+namespace tavrel_testing {
 
 struct Report {
     unsigned severity;
@@ -55,4 +57,4 @@ Report InvalidArgument(std::string reason);
 // The reports of a call that reports reason as an invalid argument; none for "".
 std::vector<Report> InvalidArguments(std::string reason);
 
-}  // namespace moduletest
+}  // namespace tavrel_testing

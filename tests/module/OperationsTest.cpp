@@ -13,14 +13,15 @@ namespace {
 
 using minihost::MemoryBuffer;
 using minihost::Variant;
-using moduletest::BytesOf;
-using moduletest::Call;
-using moduletest::InvalidArguments;
-using moduletest::InvalidUsage;
-using moduletest::Report;
-using moduletest::Shown;
 using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
+using tavrel_testing::BytesOf;
+using tavrel_testing::Call;
+using tavrel_testing::InvalidArguments;
+using tavrel_testing::InvalidUsage;
+using tavrel_testing::ModuleBuffer;
+using tavrel_testing::Report;
+using tavrel_testing::Shown;
 
 struct SourceKind {
     char const* name;
@@ -30,8 +31,7 @@ struct SourceKind {
 // Every kind of buffer an operation may be given; each delivers all bytes asked for.
 std::vector<SourceKind> const& SourceKinds() {
     static std::vector<SourceKind> const kinds = {
-        {"module buffer",
-         [](std::string_view b) { return Variant::DataRef(moduletest::ModuleBuffer(b)); }},
+        {"module buffer", [](std::string_view b) { return Variant::DataRef(ModuleBuffer(b)); }},
         {"host, exposed",
          [](std::string_view b) {
              return Variant::DataRef(AutoRefPtr<IDataRef>(new MemoryBuffer(b)));
@@ -168,8 +168,8 @@ TEST(Operations, SliceFromAnOffsetToTheEnd) {
          "Size: \"9223372036854775807\""},
     };
     for (Row const& row : rows) {
-        auto call = Call("BinarySliceRight",
-                         {Variant::DataRef(moduletest::ModuleBuffer("abcdef")), N(row.offset)});
+        auto call =
+            Call("BinarySliceRight", {Variant::DataRef(ModuleBuffer("abcdef")), N(row.offset)});
         EXPECT_EQ(Shown(call.result), std::string("13:") + row.bytes) << row.offset;
         EXPECT_EQ(call.reports, InvalidArguments(row.reason)) << row.offset;
     }
@@ -269,7 +269,7 @@ TEST(Operations, CallsOnTheBuffersComeInTheirOrder) {
 }
 
 TEST(Operations, MissingBuffers) {
-    Variant const some = Variant::DataRef(moduletest::ModuleBuffer("ab"));
+    Variant const some = Variant::DataRef(ModuleBuffer("ab"));
     Report const noData = InvalidUsage("No binary data given!");
     Report const first = InvalidUsage("First parameter is invalid!");
     Report const second = InvalidUsage("Second parameter is invalid!");

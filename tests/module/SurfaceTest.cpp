@@ -16,6 +16,8 @@
 
 namespace {
 
+using tavrel_testing::Module;
+
 struct Symbol {
     Elf64_Addr value;
     Elf64_Xword size;
@@ -88,7 +90,7 @@ TEST(Surface, HiddenNamesExistAsLocalSymbols) {
     ASSERT_EQ(function.type, STT_FUNC);
     // Called where the loader put it: the load address of the module plus its value.
     Dl_info info{};
-    ASSERT_NE(dladdr(dlsym(moduletest::Module().Handle(), "GetModuleVersion"), &info), 0);
+    ASSERT_NE(dladdr(dlsym(Module().Handle(), "GetModuleVersion"), &info), 0);
     auto const* base = static_cast<char const*>(info.dli_fbase);
     auto const name = reinterpret_cast<char const* (*)()>(base + function.value);
     EXPECT_STREQ(name(), "Binary");
@@ -116,7 +118,7 @@ TEST(Surface, FixedTexts) {
         {"GetTavrelSDKVersion", "1.20.16.0"},
     };
     for (Row const& row : rows) {
-        char const* text = moduletest::Module().Text(row.function);
+        char const* text = Module().Text(row.function);
         ASSERT_NE(text, nullptr) << row.function;
         EXPECT_STREQ(text, row.text) << row.function;
     }
@@ -140,7 +142,7 @@ std::string const kFinalDefinition =
     "tavrel_module_BinaryAppendPart";
 
 TEST(Surface, DefinitionTextIsFinalAndStable) {
-    void* handle = moduletest::Module().Handle();
+    void* handle = Module().Handle();
     auto* getDefinition = reinterpret_cast<char const* (*)(void*)>(dlsym(handle, "GetModuleDefinition"));
     ASSERT_NE(getDefinition, nullptr);
     char const* first = getDefinition(nullptr);

@@ -10,15 +10,16 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/PathReferences.h"
 #include "path/FSPath.h"
-#include "tests/path/PathTestSupport.h"
+#include "testing/PathReferences.h"
+#include "testing/TrickyPaths.h"
 
 namespace Tavrel {
 namespace {
 
-using test::Raw;
-using test::TrickyTexts;
+namespace ref = tavrel_testing::reference;
+using tavrel_testing::Raw;
+using tavrel_testing::TrickyPaths;
 
 TEST(FSPathAbsolute, CorrectAbsolutePath) {
     struct Row { char const* before; bool ok; char const* after; };
@@ -71,14 +72,14 @@ TEST(FSPathAbsolute, ResolutionsMatchReferences) {
         }
     }
     texts.insert(texts.end(), components.begin(), components.end());
-    texts.insert(texts.end(), TrickyTexts().begin(), TrickyTexts().end());
+    texts.insert(texts.end(), TrickyPaths().begin(), TrickyPaths().end());
     for (std::string const& text : texts) {
         SCOPED_TRACE("text '" + text + "'");
-        fuzz::reference::Corrected const expected = fuzz::reference::CorrectedAbsolute(text);
+        ref::Corrected const expected = ref::CorrectedAbsolute(text);
         FSPath path = Raw(text);
         ASSERT_EQ(path.CorrectAbsolutePath(), expected.ok);
         ASSERT_EQ(path.GetPathStr(), expected.text);
-        ASSERT_EQ(Raw(text).SimplifyPath().GetPathStr(), fuzz::reference::Simplified(text));
+        ASSERT_EQ(Raw(text).SimplifyPath().GetPathStr(), ref::Simplified(text));
     }
 }
 

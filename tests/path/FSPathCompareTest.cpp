@@ -1,17 +1,16 @@
 // Comparing, prefix and suffix tests, stripping, and the sub-directory search.
 #include <gtest/gtest.h>
-
 #include <set>
 #include <string>
 
 #include "path/FSPath.h"
-#include "tests/path/PathTestSupport.h"
+#include "testing/TrickyPaths.h"
 
 namespace Tavrel {
 namespace {
 
-using test::Raw;
-using test::TrickyTexts;
+using tavrel_testing::Raw;
+using tavrel_testing::TrickyPaths;
 
 TEST(FSPathCompare, IsEqualUnderEachFlagPair) {
     // The four results: exact, ignoring end separators, ignoring case, ignoring both.
@@ -125,7 +124,7 @@ TEST(FSPathCompare, FindSubDir) {
 // Over every pair of tricky texts: equality ignores the kind of separator, stripping
 // leaves a suffix of the old text, and a found sub-directory sits between separators.
 TEST(FSPathCompare, PropertiesOverTrickyPairs) {
-    for (std::string const& mine : TrickyTexts()) {
+    for (std::string const& mine : TrickyPaths()) {
         std::string swapped = mine;
         for (char& c : swapped) {
             c = c == '/' ? '\\' : c == '\\' ? '/' : c;
@@ -133,7 +132,7 @@ TEST(FSPathCompare, PropertiesOverTrickyPairs) {
         for (bool ignore : {false, true}) {
             EXPECT_TRUE(Raw(mine).IsEqual(Raw(swapped), ignore, false)) << "'" << mine << "'";
         }
-        for (std::string const& other : TrickyTexts()) {
+        for (std::string const& other : TrickyPaths()) {
             SCOPED_TRACE(testing::Message() << "'" << mine << "' with '" << other << "'");
             for (bool flag : {false, true}) {
                 FSPath stripped = Raw(mine);

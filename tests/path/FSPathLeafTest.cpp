@@ -1,16 +1,15 @@
 // Taking a path apart: leaf, root and extension.
 #include <gtest/gtest.h>
-
 #include <string>
 
 #include "path/FSPath.h"
-#include "tests/path/PathTestSupport.h"
+#include "testing/TrickyPaths.h"
 
 namespace Tavrel {
 namespace {
 
-using test::Raw;
-using test::TrickyTexts;
+using tavrel_testing::Raw;
+using tavrel_testing::TrickyPaths;
 
 TEST(FSPathLeaf, LeafAndRoot) {
     // leaf and root null: none found. afterExtract: the object after ExtractAndEraseLeaf.
@@ -80,7 +79,7 @@ TEST(FSPathLeaf, Extensions) {
 // A found leaf and the erased object put back together give the trimmed text again, and
 // a found extension is what RemoveExtension cut off.
 TEST(FSPathLeaf, PartsReassembleOnTrickyTexts) {
-    for (std::string const& text : TrickyTexts()) {
+    for (std::string const& text : TrickyPaths()) {
         SCOPED_TRACE("text '" + text + "'");
         FSPath whole(text);
         FSPath rest(whole);

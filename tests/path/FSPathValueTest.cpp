@@ -1,17 +1,16 @@
 // The path value: construction, joining, separator handling and in-place edits.
 #include <gtest/gtest.h>
-
 #include <iomanip>
 #include <sstream>
 #include <string>
 
 #include "path/FSPath.h"
-#include "tests/path/PathTestSupport.h"
+#include "testing/TrickyPaths.h"
 
 namespace Tavrel {
 namespace {
 
-using test::Raw;
+using tavrel_testing::Raw;
 constexpr auto kAny = FSPath::kAnyPathSep;
 constexpr auto kUnix = FSPath::kUnixPathSep;
 constexpr auto kWin = FSPath::kWindowsPathSep;

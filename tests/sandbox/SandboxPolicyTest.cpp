@@ -9,18 +9,19 @@
 #include "minihost/host/Context.h"
 #include "minihost/host/SandboxPolicy.h"
 #include "object/AutoRefPtr.h"
-#include "tests/minihost/TestFiles.h"
+#include "testing/TestFiles.h"
 
 namespace minihost {
 namespace {
 
 namespace fs = std::filesystem;
+using tavrel_testing::TempDir;
 
 // A scratch tree, removed with everything in it at the end:
 //   allowed/file, allowed/sub/deep, allowedx/file, outside/secret, "allowed\secret",
 //   allowed/to-secret -> ../outside/secret, allowed/to-file -> file,
 //   allowed/to-outside -> ../outside (a directory), allowed/fifo
-class Tree : public testing::TempDir {
+class Tree : public TempDir {
 public:
     Tree() {
         for (char const* directory : {"allowed/sub", "allowedx", "outside"}) {

@@ -15,12 +15,14 @@
 #include "minihost/host/Context.h"
 #include "minihost/host/SandboxPolicy.h"
 #include "object/AutoRefPtr.h"
-#include "tests/minihost/TestFiles.h"
+#include "testing/TestFiles.h"
 
 namespace minihost {
 namespace {
 
 namespace fs = std::filesystem;
+using tavrel_testing::OpenDescriptors;
+using tavrel_testing::TempDir;
 
 // Swaps the two names a and b atomically (RENAME_EXCHANGE): true when done.
 bool Exchange(std::string const& a, std::string const& b) {
@@ -72,7 +74,7 @@ std::string Bytes(Tavrel::IDataRef const& data) {
 // loads of "d/f" run: a load that checks the path and then opens it again by name would at
 // times open outside/f.
 TEST(SandboxPolicy, NeverServesTheOutsideWhileADirectoryIsSwappedForALink) {
-    testing::TempDir tree;
+    TempDir tree;
     fs::create_directories(tree.Path("allowed/d"));
     fs::create_directories(tree.Path("outside"));
     tree.Write("allowed/d/f", "inside");
@@ -89,7 +91,7 @@ TEST(SandboxPolicy, NeverServesTheOutsideWhileADirectoryIsSwappedForALink) {
 
     SandboxPolicy policy(tree.Path("allowed"), {tree.Path("allowed")}, false);
     Context context{Tavrel::AutoRefPtr<Tavrel::IPolicy>()};
-    long const descriptors = testing::OpenDescriptors();
+    long const descriptors = OpenDescriptors();
     long served = 0;
     long refused = 0;
     long leaked = 0;
@@ -117,7 +119,7 @@ TEST(SandboxPolicy, NeverServesTheOutsideWhileADirectoryIsSwappedForALink) {
     EXPECT_GT(served, 0);
     EXPECT_GT(refused, 0);
     EXPECT_GT(swaps, 0);
-    EXPECT_EQ(testing::OpenDescriptors(), descriptors) << "every refused file is closed";
+    EXPECT_EQ(OpenDescriptors(), descriptors) << "every refused file is closed";
 }
 
 }  // namespace

@@ -18,12 +18,13 @@
 #include <sys/wait.h>
 #include <thread>
 
-#include "tests/minihost/TestFiles.h"
+#include "testing/TestFiles.h"
 
 namespace minihost {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using tavrel_testing::TempDir;
 using namespace std::chrono_literals;
 
 constexpr unsigned long long kFileSize = 1ULL << 30;
@@ -181,7 +182,7 @@ TEST(Interruption, TwoCtrlCDuringOneLongReadEndTheProgram) {
     if (!std::filesystem::exists("/proc/self/io")) {
         GTEST_SKIP() << "this kernel gives no /proc/<pid>/io to see how far a read got";
     }
-    testing::TempDir dir;
+    TempDir dir;
     std::filesystem::resize_file(dir.Write("big.bin", ""), kFileSize);  // sparse: no disk used
     std::string const script = dir.Write(
         "copy.tvl", "copy = Binary.Copy(Binary.MapFile(\"big.bin\"))\nprint Size(copy)\n");

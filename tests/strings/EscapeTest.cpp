@@ -2,11 +2,12 @@
 #include <string>
 
 #include "strings/Escape.h"
-#include "tests/strings/RandomText.h"
+#include "testing/RandomText.h"
 
 namespace Tavrel {
 namespace {
 
+using tavrel_testing::RandomText;
 using namespace std::string_literals;
 
 TEST(Escape, RoundTripTable) {
@@ -53,7 +54,7 @@ TEST(Unescape, IsPlainReplacement) {
 
 TEST(Escape, UnescapeUndoesEscapeForEveryPair) {
     std::string const alphabet = "a;\\\0"s;
-    Testing::RandomText random(5);
+    RandomText random(5);
     for (char const special : alphabet) {
         for (char const escape : alphabet) {
             for (int round = 0; round < 300; ++round) {

@@ -2,12 +2,14 @@
 #include <string>
 
 #include "strings/Replace.h"
-#include "tests/strings/RandomText.h"
-#include "fuzz/StringReferences.h"
+#include "testing/RandomText.h"
+#include "testing/StringReferences.h"
 
 namespace Tavrel {
 namespace {
 
+namespace ref = tavrel_testing::reference;
+using tavrel_testing::RandomText;
 using namespace std::string_literals;
 
 std::string Repeat(std::string_view piece, int times) {
@@ -70,14 +72,14 @@ TEST(ReplaceAll, CharNullAndAliasedForms) {
 }
 
 TEST(ReplaceAll, AgreesWithPlainProcedure) {
-    Testing::RandomText random(11);
+    RandomText random(11);
     for (int round = 0; round < 4000; ++round) {
         std::string const original = random.From("aab\0"s, round % 10 == 0 ? 2000 : 30);
         std::string const from = random.From("ab", 3);
         std::string const to = random.From("abc", 4);
         std::string text = original;
         ReplaceAll(text, from, to);
-        ASSERT_EQ(text, fuzz::reference::ReplaceAll(original, from, to))
+        ASSERT_EQ(text, ref::ReplaceAll(original, from, to))
             << "round " << round << " from " << from << " to " << to;
     }
 }

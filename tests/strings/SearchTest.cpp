@@ -3,12 +3,14 @@
 #include <string>
 
 #include "strings/Search.h"
-#include "tests/strings/RandomText.h"
-#include "fuzz/StringReferences.h"
+#include "testing/RandomText.h"
+#include "testing/StringReferences.h"
 
 namespace Tavrel {
 namespace {
 
+namespace ref = tavrel_testing::reference;
+using tavrel_testing::RandomText;
 using namespace std::string_view_literals;
 
 TEST(StrnStr, Table) {
@@ -63,7 +65,7 @@ TEST(FindCaseInsensitive, HelloWorldRanges) {
 }
 
 TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
-    Testing::RandomText random(7);
+    RandomText random(7);
     std::string_view const alphabet = "aAbB\0\xC3\xE9-"sv;
     for (int round = 0; round < 3000; ++round) {
         // Long texts take the table and block paths, short ones the direct fold.
@@ -72,7 +74,7 @@ TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
         unsigned long const first = random.Below(text.size() + 2);
         unsigned long const last = round % 4 == 0 ? text.size() : random.Below(text.size() + 2);
         ASSERT_EQ(FindCaseInsensitive(text, first, last, needle),
-                  fuzz::reference::FoldFind(text, first, last, needle))
+                  ref::FoldFind(text, first, last, needle))
             << "round " << round << " needle " << needle << " " << first << ".." << last;
     }
 }

@@ -3,12 +3,14 @@
 #include <string>
 
 #include "strings/Validate.h"
-#include "tests/strings/RandomText.h"
-#include "fuzz/StringReferences.h"
+#include "testing/RandomText.h"
+#include "testing/StringReferences.h"
 
 namespace Tavrel {
 namespace {
 
+namespace ref = tavrel_testing::reference;
+using tavrel_testing::RandomText;
 using namespace std::string_literals;
 
 constexpr unsigned long kUntouched = 999999;
@@ -76,7 +78,7 @@ TEST(ValidASCII, Tables) {
 
 // Long runs of ASCII with line feeds, cut by a byte or sequence near a 16- or 64-byte
 // boundary, and texts of mixed sequences.
-std::string TrickyText(Testing::RandomText& random, int round) {
+std::string TrickyText(RandomText& random, int round) {
     std::string_view const pieces[] = {
         "a",       "\n",   "\xC3\xA9",         "\xE2\x82\xAC", "\xF0\x9F\x98\x80",
         "\x80",    "\xC3", "\xF8\x88\x80\x80", "\x7F",         "\x1F",
@@ -103,12 +105,12 @@ std::string TrickyText(Testing::RandomText& random, int round) {
 }
 
 TEST(Validate, AgreesWithReference) {
-    Testing::RandomText random(3);
+    RandomText random(3);
     for (int round = 0; round < 20000; ++round) {
         std::string const text = TrickyText(random, round);
         SCOPED_TRACE(testing::Message()
                      << "round " << round << " " << testing::PrintToString(text));
-        fuzz::reference::Utf8Verdict const expected = fuzz::reference::CheckUtf8(text);
+        ref::Utf8Verdict const expected = ref::CheckUtf8(text);
         std::string message;
         unsigned long position = kUntouched;
         ASSERT_EQ(ValidUTF8(text, message, &position), expected.valid);
@@ -119,10 +121,9 @@ TEST(Validate, AgreesWithReference) {
         std::string tildes = text;
         std::replace(tildes.begin(), tildes.end(), '\n', '~');
         for (std::string_view const ascii : {std::string_view(text), std::string_view(tildes)}) {
-            unsigned long const nonAscii =
-                fuzz::reference::FirstNonAscii(ascii).value_or(kUntouched);
+            unsigned long const nonAscii = ref::FirstNonAscii(ascii).value_or(kUntouched);
             unsigned long const nonPrintable =
-                fuzz::reference::FirstNonPrintableAscii(ascii).value_or(kUntouched);
+                ref::FirstNonPrintableAscii(ascii).value_or(kUntouched);
             position = kUntouched;
             ASSERT_EQ(ValidASCII(ascii, &position), nonAscii == kUntouched);
             ASSERT_EQ(position, nonAscii);

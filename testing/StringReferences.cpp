@@ -1,11 +1,11 @@
-#include "fuzz/StringReferences.h"
+#include "testing/StringReferences.h"
 
 #include <cctype>
 #include <cstring>
 #include <iomanip>
 #include <sstream>
 
-namespace fuzz::reference {
+namespace tavrel_testing::reference {
 
 namespace {
 
@@ -336,4 +336,4 @@ std::list<std::string> Split(std::string_view text, std::string_view delimiters,
     return pieces;
 }
 
-}  // namespace fuzz::reference
+}  // namespace tavrel_testing::reference

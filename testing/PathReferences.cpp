@@ -1,11 +1,11 @@
-#include "fuzz/PathReferences.h"
+#include "testing/PathReferences.h"
 
 #include <iterator>
 #include <list>
 
-#include "fuzz/StringReferences.h"
+#include "testing/StringReferences.h"
 
-namespace fuzz::reference {
+namespace tavrel_testing::reference {
 
 namespace {
 
@@ -224,4 +224,4 @@ unsigned long SubDirectoryPlace(std::string_view path, std::string_view sub, uns
     return kNoPlace;
 }
 
-}  // namespace fuzz::reference
+}  // namespace tavrel_testing::reference
