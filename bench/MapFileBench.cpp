@@ -2,17 +2,13 @@
 // 1 GiB beside the same on a file of 1 MiB: the time must not grow with the file, since
 // nothing is read that is not asked for. The files live in a temporary directory that is
 // removed when the program ends.
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <benchmark/benchmark.h>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
 
 #include "bench/BenchHost.h"
+#include "testing/TestFiles.h"
 
 using minihost::Variant;
 using Tavrel::IVariant;
@@ -24,23 +20,9 @@ constexpr unsigned long long kSliceSize = 4 * bench::kKiB;
 // A temporary directory with one sparse file of 1 GiB and one file of 1 MiB of bytes.
 class MappedFiles {
 public:
-    MappedFiles() {
-        std::string pattern =
-            (std::filesystem::temp_directory_path() / "tavrel-bench-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr) {
-            std::perror("mkdtemp");
-            std::abort();
-        }
-        mRoot = pattern;
-        mSparse = Make("sparse-1GiB", 1024 * bench::kMiB, "");
-        mSmall = Make("bytes-1MiB", bench::kMiB, bench::PatternBytes(bench::kMiB));
-    }
-    ~MappedFiles() {
-        std::error_code ignored;
-        std::filesystem::remove_all(mRoot, ignored);
-    }
-    MappedFiles(MappedFiles const&) = delete;
-    MappedFiles& operator=(MappedFiles const&) = delete;
+    MappedFiles()
+        : mSparse(Make("sparse-1GiB", 1024 * bench::kMiB, "")),
+          mSmall(Make("bytes-1MiB", bench::kMiB, bench::PatternBytes(bench::kMiB))) {}
 
     std::string const& Sparse() const { return mSparse; }
     std::string const& Small() const { return mSmall; }
@@ -48,23 +30,13 @@ public:
 private:
     // A file of size bytes that starts with bytes; the rest is a hole.
     std::string Make(char const* name, unsigned long long size, std::string const& bytes) {
-        std::string const path = (mRoot / name).string();
-        int const fd = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-        bool const ok =
-            fd >= 0 &&
-            ::write(fd, bytes.data(), bytes.size()) == static_cast<ssize_t>(bytes.size()) &&
-            ::ftruncate(fd, static_cast<off_t>(size)) == 0;
-        if (fd >= 0) {
-            ::close(fd);
-        }
-        if (!ok) {
-            std::perror(path.c_str());
-            std::abort();
-        }
+        std::string const path = mDirectory.Write(name, bytes);
+        std::filesystem::resize_file(path, size);
         return path;
     }
 
-    std::filesystem::path mRoot;
+    // NOTE: first, so that the directory exists before the files are made in it.
+    tavrel_testing::TempDir mDirectory{"tavrel-bench"};
     std::string mSparse;
     std::string mSmall;
 };
