@@ -3,6 +3,7 @@
 #
 #   generated/exports.map        the linker's version script: the 28 names global, all else
 #                                local
+#   generated/Binary.def         the same for Windows' linker: the module's EXPORTS
 #   generated/ExportedNames.def  the same names for C++, in the order of the export list:
 #                                TAVREL_EXPORTED_TEXT(name) for each fixed-text function,
 #                                TAVREL_EXPORTED_DEFINITION(GetModuleDefinition), then
@@ -40,6 +41,7 @@ endforeach()
 set(TAVREL_EXPORTED_NAMES ${TAVREL_TEXT_FUNCTIONS} GetModuleDefinition ${TAVREL_ENTRY_NAMES})
 
 set(_map "{\n  global:\n")
+set(_windows_def "LIBRARY Binary\nEXPORTS\n")
 set(_def "// Generated from module/Texts.def and module/Entries.def by cmake/ModuleExports.cmake.\n")
 foreach(name IN LISTS TAVREL_TEXT_FUNCTIONS)
   string(APPEND _def "TAVREL_EXPORTED_TEXT(${name})\n")
@@ -50,11 +52,14 @@ foreach(name IN LISTS TAVREL_ENTRY_NAMES)
 endforeach()
 foreach(name IN LISTS TAVREL_EXPORTED_NAMES)
   string(APPEND _map "    ${name};\n")
+  string(APPEND _windows_def "    ${name}\n")
 endforeach()
 string(APPEND _map "  local: *;\n};\n")
 
 set(TAVREL_EXPORTS_MAP ${PROJECT_BINARY_DIR}/generated/exports.map)
 file(CONFIGURE OUTPUT ${TAVREL_EXPORTS_MAP} CONTENT "${_map}")
+set(TAVREL_EXPORTS_DEF ${PROJECT_BINARY_DIR}/generated/Binary.def)
+file(CONFIGURE OUTPUT ${TAVREL_EXPORTS_DEF} CONTENT "${_windows_def}")
 file(CONFIGURE OUTPUT ${PROJECT_BINARY_DIR}/generated/ExportedNames.def CONTENT "${_def}")
 
 add_library(tavrel_exported_names INTERFACE)

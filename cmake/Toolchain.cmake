@@ -4,6 +4,12 @@ if(TAVREL_WERROR)
   add_compile_options(-Werror)
 endif()
 
+# On Windows every program and the module carry their C++ runtime, so that they need no DLL
+# beyond Windows' own and load from any folder.
+if(WIN32)
+  add_link_options(-static)
+endif()
+
 if(TAVREL_SANITIZE)
   set(_san_flags -fsanitize=${TAVREL_SANITIZE} -fno-omit-frame-pointer)
   if(TAVREL_SANITIZE MATCHES "undefined")

@@ -3,6 +3,10 @@
 // the host's and lives at least until the entry returns.
 #pragma once
 
+#include <cstddef>
+#include <limits>
+#include <stdexcept>
+
 #include "host/IUserDefinedType.h"
 #include "object/AutoRefPtr.h"
 #include "object/IDataRef.h"
@@ -25,8 +29,18 @@ public:
     }
 
     void AssignNumber(double value) { Interface_AssignNumber(value); }
-    // Copies size bytes; null with size 0 is accepted.
-    void AssignString(char const* bytes, unsigned long size) { Interface_AssignString(bytes, size); }
+    // Copies size bytes; null with size 0 is accepted. The host takes the size as an unsigned
+    // long, which is 32 bits wide on Windows: a size it cannot carry throws std::length_error
+    // before the host is called, so a string is never cut short.
+    //   ("abc", 3) => the host gets 3;  (any, 2^32) on Windows => std::length_error
+    void AssignString(char const* bytes, std::size_t size) {
+        if constexpr (sizeof(std::size_t) > sizeof(unsigned long)) {
+            if (size > std::numeric_limits<unsigned long>::max()) {
+                throw std::length_error("IVariant::AssignString: the host's size cannot carry it");
+            }
+        }
+        Interface_AssignString(bytes, static_cast<unsigned long>(size));
+    }
     // Hands the buffer over without a reference: the host adds its own if it keeps it.
     // An empty pointer is accepted.
     void AssignData(AutoRefPtr<IDataRef> const& data) { Interface_AssignData(data.get()); }
@@ -38,6 +52,7 @@ public:
     virtual IDataRef* Interface_GetData() const = 0;
     virtual IUserDefinedType* Interface_GetUserDefined() const = 0;
     virtual void Interface_AssignNumber(double value) = 0;
+    // NOTE: unsigned long is the host's type here, part of the binary layout it owns.
     virtual void Interface_AssignString(char const* bytes, unsigned long size) = 0;
     virtual void Interface_AssignData(IDataRef* data) = 0;
 

@@ -338,7 +338,7 @@ constexpr bool ContextOnlyLast() {
 template <class R>
 constexpr bool CheckResult() {
     static_assert(ScriptTypeOf<R>::kResult,
-                  "A typed function returns unsigned long (NUMBER), std::string (STRING) or "
+                  "A typed function returns std::size_t (NUMBER), std::string (STRING) or "
                   "AutoRefPtr<IDataRef> (DATAREF).");
     return true;
 }

@@ -34,7 +34,7 @@ char AppendDefinition(std::string& text, R (*)(P...), char const* kind, char con
                       char const* closing) {
     static_assert(ScriptTypeOf<R>::kResult,
                   "No definition word for this result type: a typed function returns "
-                  "unsigned long, std::string or AutoRefPtr<IDataRef>.");
+                  "std::size_t, std::string or AutoRefPtr<IDataRef>.");
     static_assert((definition_detail::kHasParameterWord<P> && ...),
                   "No definition word for this parameter type: a typed function takes "
                   "AutoRefPtr<IDataRef>, long long, std::string, std::string_view or IContext*.");

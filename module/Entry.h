@@ -9,8 +9,13 @@
 #include "module/Binding.h"
 #include "module/Definition.h"
 
-// Gives a name default visibility; everything else of the module is hidden.
+// Gives a name default visibility; everything else of the module is hidden. On Windows the
+// module definition file made from the lists decides what the DLL exports.
+#if defined(_WIN32)
+#define TAVREL_EXPORT
+#else
 #define TAVREL_EXPORT __attribute__((visibility("default")))
+#endif
 
 // definition: the std::string that collects the raw definition text.
 // index:      the number of the one-byte variable (dummy<index>).

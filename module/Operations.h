@@ -13,7 +13,7 @@
 #include "object/IDataRef.h"
 
 // Size (DATAREF): the number of bytes. Empty reference => report, 0.
-unsigned long BinarySize(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data,
+std::size_t BinarySize(Tavrel::AutoRefPtr<Tavrel::IDataRef> const& data,
                          Tavrel::IContext* context);
 
 // ToDataRef (STRING): a new buffer with all bytes of text, NUL bytes included. "" => empty.

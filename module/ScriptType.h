@@ -41,13 +41,13 @@ struct Described {
 
 }  // namespace script_type_detail
 
-// NUMBER: long long as a parameter (truncated toward zero), unsigned long as a result.
+// NUMBER: long long as a parameter (truncated toward zero), std::size_t as a result.
 template <>
 struct ScriptTypeOf<long long> : script_type_detail::Described<VariantType::kNumber, true, false> {
     static constexpr char const* kWord = "NUMBER";
 };
 template <>
-struct ScriptTypeOf<unsigned long>
+struct ScriptTypeOf<std::size_t>
     : script_type_detail::Described<VariantType::kNumber, false, true> {
     static constexpr char const* kWord = "NUMBER";
 };

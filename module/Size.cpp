@@ -5,7 +5,7 @@ using Tavrel::AutoRefPtr;
 using Tavrel::IContext;
 using Tavrel::IDataRef;
 
-unsigned long BinarySize(AutoRefPtr<IDataRef> const& data, IContext* context) {
+std::size_t BinarySize(AutoRefPtr<IDataRef> const& data, IContext* context) {
     if (!data) {
         Tavrel::ReportNoBinaryData(context);
         return 0;

@@ -43,7 +43,7 @@ bool EqualThroughReads(std::string const& mine, IDataRef const& other) {
 
 Data::Data(std::string_view const& text) : mBytes(text) {}
 
-Data::Data(char const* bytes, unsigned long size) { AssignBytes(mBytes, bytes, size); }
+Data::Data(char const* bytes, std::size_t size) { AssignBytes(mBytes, bytes, size); }
 
 unsigned long long Data::Interface_GetSize() const { return mBytes.size(); }
 
@@ -84,7 +84,7 @@ IDataRef* Data::Interface_Clone() const { return new Data(std::string_view(mByte
 
 char const* Data::Interface_GetData() const { return mBytes.data(); }
 
-void Data::PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, unsigned long offset) {
+void Data::PushBack(AutoRefPtr<IDataRef> const& source, std::size_t count, std::size_t offset) {
     if (!source) {
         return;
     }

@@ -4,6 +4,7 @@
 // It never reads a file and never reports to the host.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -19,7 +20,7 @@ public:
     // A copy of all bytes of text, NUL bytes included.
     explicit Data(std::string_view const& text);
     // A copy of size bytes from bytes; a NUL byte does not end the copy.
-    Data(char const* bytes, unsigned long size);
+    Data(char const* bytes, std::size_t size);
 
     unsigned long long Interface_GetSize() const override;
     void Interface_Assign(char const* bytes, unsigned long long size) override;
@@ -39,7 +40,7 @@ public:
     // one Read of source writes into them, and its result is not looked at. Does nothing
     // when source is empty or offset + count runs past its end (no clipping: callers clip
     // first); count 0 makes one Read of 0 bytes and changes nothing.
-    void PushBack(AutoRefPtr<IDataRef> const& source, unsigned long count, unsigned long offset);
+    void PushBack(AutoRefPtr<IDataRef> const& source, std::size_t count, std::size_t offset);
     // Appends all of source; does nothing when source is empty.
     void PushBack(AutoRefPtr<IDataRef> const& source);
     // Appends count bytes as AppendFromRead does, with no range test of its own: the new

@@ -4,6 +4,8 @@
 // bytes in one piece of memory. The virtual operations speak plain types only.
 #pragma once
 
+#include <cstddef>
+
 #include "object/AutoRefPtr.h"
 #include "object/IObject.h"
 
@@ -15,11 +17,11 @@ public:
     unsigned long long GetSize() const { return Interface_GetSize(); }
 
     // Replaces the whole content with a copy of size bytes from bytes.
-    void Assign(char const* bytes, unsigned long size) { Interface_Assign(bytes, size); }
+    void Assign(char const* bytes, std::size_t size) { Interface_Assign(bytes, size); }
 
     // Copies up to count bytes from offset into destination; returns how many it
     // delivered. offset at or past the end => 0, destination untouched.
-    unsigned long long Read(char* destination, unsigned long count,
+    unsigned long long Read(char* destination, std::size_t count,
                             unsigned long long offset) const {
         return Interface_Read(destination, count, offset);
     }

@@ -27,7 +27,7 @@ const std::string kNativePathSeparator = kUnixPathSeparator;
 const std::string kDot = ".";
 const std::string kDotDot = "..";
 
-constexpr unsigned long kCurrDirBufferSize = 1024;
+constexpr std::size_t kCurrDirBufferSize = 1024;
 constexpr char kBothSeparators[] = "/\\";
 
 // Both are separators of kAnyPathSep; the other kinds accept one byte each.
@@ -50,7 +50,7 @@ std::string_view WithoutEndSeps(std::string_view text) {
 }
 
 // Finds the byte c (first or last) for one separator kind.
-unsigned long FindByte(std::string const& text, char c, bool last) {
+std::size_t FindByte(std::string const& text, char c, bool last) {
     return last ? text.rfind(c) : text.find(c);
 }
 
@@ -96,8 +96,8 @@ std::string JoinComponents(std::list<std::string> const& parts) {
 
 // How many bytes SimplifyPath drops at text[i], which is a dot: 2 for a dot and a
 // separator or two dots that end the text, 3 for two dots and a separator, else 0.
-unsigned long DotRunToDrop(std::string const& text, unsigned long i) {
-    unsigned long const n = text.size();
+std::size_t DotRunToDrop(std::string const& text, std::size_t i) {
+    std::size_t const n = text.size();
     if (i + 1 >= n) {
         return 0;
     }
@@ -123,7 +123,7 @@ std::string LeafOrWholeText(FSPath const& path, bool& found) {
 
 // Removes a prefix of length bytes that the caller found, then leading separators when
 // trim is set. False only when the erase fails; the trimming is skipped then.
-bool EraseMatchedPrefix(FSPath& path, unsigned long length, bool trim, std::string* error) {
+bool EraseMatchedPrefix(FSPath& path, std::size_t length, bool trim, std::string* error) {
     if (!path.Erase(0, length, error)) {
         return false;
     }
@@ -221,7 +221,7 @@ void FSPath::GetPathStr(std::string& out) const { out = mPath; }
 
 bool FSPath::IsEmpty() const { return mPath.empty(); }
 
-unsigned long FSPath::Length() const { return mPath.size(); }
+std::size_t FSPath::Length() const { return mPath.size(); }
 
 FSPath& FSPath::Clear() {
     mPath.clear();
@@ -270,7 +270,7 @@ bool FSPath::StartsWithPathSep(EPathSepType type) const {
 }
 
 FSPath& FSPath::RemPathSepsAtEnd(EPathSepType type) {
-    unsigned long end = mPath.size();
+    std::size_t end = mPath.size();
     while (end > 0 && IsPathSeparator(mPath[end - 1], type)) {
         --end;
     }
@@ -279,7 +279,7 @@ FSPath& FSPath::RemPathSepsAtEnd(EPathSepType type) {
 }
 
 FSPath& FSPath::RemPathSepsAtStart(EPathSepType type) {
-    unsigned long begin = 0;
+    std::size_t begin = 0;
     while (begin < mPath.size() && IsPathSeparator(mPath[begin], type)) {
         ++begin;
     }
@@ -287,22 +287,22 @@ FSPath& FSPath::RemPathSepsAtStart(EPathSepType type) {
     return *this;
 }
 
-unsigned long FSPath::FindFirstPathSep(EPathSepType type) const {
+std::size_t FSPath::FindFirstPathSep(EPathSepType type) const {
     if (type == kWindowsPathSep) {
         return FindByte(mPath, '\\', false);
     }
-    unsigned long const slash = FindByte(mPath, '/', false);
+    std::size_t const slash = FindByte(mPath, '/', false);
     if (type == kUnixPathSep || slash != npos) {
         return slash;
     }
     return FindByte(mPath, '\\', false);
 }
 
-unsigned long FSPath::FindLastPathSep(EPathSepType type) const {
+std::size_t FSPath::FindLastPathSep(EPathSepType type) const {
     if (type == kWindowsPathSep) {
         return FindByte(mPath, '\\', true);
     }
-    unsigned long const slash = FindByte(mPath, '/', true);
+    std::size_t const slash = FindByte(mPath, '/', true);
     if (type == kUnixPathSep || slash != npos) {
         return slash;
     }
@@ -368,17 +368,17 @@ FSPath& FSPath::AppendExt(std::string_view const& text, bool trim) {
     return *this;
 }
 
-bool FSPath::Replace(unsigned long pos, unsigned long len, FSPath const& with, std::string* error) {
+bool FSPath::Replace(std::size_t pos, std::size_t len, FSPath const& with, std::string* error) {
     return Replace(pos, len, with.mPath, error);
 }
 
-bool FSPath::Replace(unsigned long pos, unsigned long len, std::string const& with,
+bool FSPath::Replace(std::size_t pos, std::size_t len, std::string const& with,
                      std::string* error) {
     static char const kWords[] = "Replace failed";
     if (pos > mPath.size()) {
         return Fail(error, kWords);
     }
-    unsigned long const cut = std::min(len, static_cast<unsigned long>(mPath.size()) - pos);
+    std::size_t const cut = std::min(len, static_cast<std::size_t>(mPath.size()) - pos);
     // The result is built apart and swapped in, so a failed allocation leaves the text as it
     // was, and with may be this object's own text.
     try {
@@ -394,7 +394,7 @@ bool FSPath::Replace(unsigned long pos, unsigned long len, std::string const& wi
     return true;
 }
 
-bool FSPath::Erase(unsigned long pos, unsigned long len, std::string* error) {
+bool FSPath::Erase(std::size_t pos, std::size_t len, std::string* error) {
     if (pos > mPath.size()) {
         return Fail(error, "Erase failed");
     }
@@ -450,9 +450,9 @@ FSPath& FSPath::SimplifyPath() {
     // changes the bytes in front of i, so each byte is decided once.
     std::string kept;
     kept.reserve(mPath.size());
-    unsigned long i = 0;
+    std::size_t i = 0;
     while (i < mPath.size()) {
-        unsigned long const drop = mPath[i] == '.' ? DotRunToDrop(mPath, i) : 0;
+        std::size_t const drop = mPath[i] == '.' ? DotRunToDrop(mPath, i) : 0;
         if (drop == 0) {
             kept += mPath[i];
         }
@@ -474,7 +474,7 @@ bool FSPath::ContainsTraversal() const {
 bool FSPath::ExtractLeaf(std::string& out) const {
     FSPath trimmed(mPath);
     trimmed.RemPathSepsAtEnd(kAnyPathSep);
-    unsigned long const pos = trimmed.FindLastPathSep(kAnyPathSep);
+    std::size_t const pos = trimmed.FindLastPathSep(kAnyPathSep);
     if (pos == npos) {
         out.clear();
         return false;
@@ -485,7 +485,7 @@ bool FSPath::ExtractLeaf(std::string& out) const {
 
 bool FSPath::ExtractAndEraseLeaf(FSPath& leaf) {
     RemPathSepsAtEnd(kAnyPathSep);
-    unsigned long const pos = FindLastPathSep(kAnyPathSep);
+    std::size_t const pos = FindLastPathSep(kAnyPathSep);
     if (pos == npos) {
         leaf.Clear();
         return false;
@@ -507,7 +507,7 @@ bool FSPath::ExtractAndEraseLeaf(std::string& leaf) {
 
 FSPath& FSPath::EraseLeaf(bool keepSep) {
     RemPathSepsAtEnd(kAnyPathSep);
-    unsigned long const pos = FindLastPathSep(kAnyPathSep);
+    std::size_t const pos = FindLastPathSep(kAnyPathSep);
     if (pos != npos) {
         mPath.erase(keepSep ? pos + 1 : pos);
     }
@@ -529,7 +529,7 @@ FSPath& FSPath::ReplaceLeaf(std::string_view const& leaf) { return ReplaceLeaf(F
 bool FSPath::ExtractRoot(std::string& out) const {
     FSPath trimmed(mPath);
     trimmed.RemPathSepsAtEnd(kAnyPathSep);
-    unsigned long const pos = trimmed.FindFirstPathSep(kAnyPathSep);
+    std::size_t const pos = trimmed.FindFirstPathSep(kAnyPathSep);
     if (pos == npos) {
         out.clear();
         return false;
@@ -549,7 +549,7 @@ std::string FSPath::GetExtension(std::string_view const& path) {
     }
     bool hasLeaf = false;
     std::string const name = LeafOrWholeText(converted, hasLeaf);
-    unsigned long const dot = name.rfind('.');
+    std::size_t const dot = name.rfind('.');
     if (dot == std::string::npos || dot + 1 == name.size()) {
         return std::string();
     }
@@ -566,7 +566,7 @@ bool FSPath::RemoveExtension(std::string& path) {
     }
     bool hasLeaf = false;
     std::string name = LeafOrWholeText(converted, hasLeaf);
-    unsigned long const dot = name.rfind('.');
+    std::size_t const dot = name.rfind('.');
     if (dot == std::string::npos) {
         return false;
     }
@@ -626,8 +626,8 @@ bool FSPath::StartsWithPath(FSPath const& other, bool strict) const {
     if (&other == this) {
         return true;
     }
-    unsigned long const n = Length();
-    unsigned long const m = other.Length();
+    std::size_t const n = Length();
+    std::size_t const m = other.Length();
     if (n == 0 || m == 0 || n < m) {
         return false;
     }
@@ -689,11 +689,11 @@ bool FSPath::StripPath(std::string_view const& other, bool trim, bool strict, st
     return StripPath(FSPath(other), trim, strict, error);
 }
 
-unsigned long FSPath::FindSubDir(FSPath const& sub, unsigned long start) {
+std::size_t FSPath::FindSubDir(FSPath const& sub, std::size_t start) {
     if (&sub == this) {
         return StartsWithPathSep(kAnyPathSep) ? 1 : 0;
     }
-    unsigned long const length = Length();
+    std::size_t const length = Length();
     if (start >= length) {
         return npos;
     }
@@ -702,8 +702,8 @@ unsigned long FSPath::FindSubDir(FSPath const& sub, unsigned long start) {
     if (dir.IsEmpty()) {
         return npos;
     }
-    unsigned long const size = dir.Length();
-    for (unsigned long i = start; i < length; ++i) {
+    std::size_t const size = dir.Length();
+    for (std::size_t i = start; i < length; ++i) {
         i = mPath.find(dir.mPath, i);
         // NOTE: a match at index 0 has no separator in front and ends the search.
         if (i == std::string::npos || i == 0) {
@@ -716,15 +716,15 @@ unsigned long FSPath::FindSubDir(FSPath const& sub, unsigned long start) {
     return npos;
 }
 
-unsigned long FSPath::FindSubDir(std::string_view const& sub, unsigned long start) {
+std::size_t FSPath::FindSubDir(std::string_view const& sub, std::size_t start) {
     return FindSubDir(FSPath(sub), start);
 }
 
-bool FSPath::ContainsSubDir(FSPath const& sub, unsigned long start) {
+bool FSPath::ContainsSubDir(FSPath const& sub, std::size_t start) {
     return FindSubDir(sub, start) != npos;
 }
 
-bool FSPath::ContainsSubDir(std::string_view const& sub, unsigned long start) {
+bool FSPath::ContainsSubDir(std::string_view const& sub, std::size_t start) {
     return FindSubDir(sub, start) != npos;
 }
 

@@ -21,6 +21,7 @@
 // Erase report through an error text. Other allocation failures pass through as exceptions.
 #pragma once
 
+#include <cstddef>
 #include <iosfwd>
 #include <list>
 #include <set>
@@ -88,7 +89,7 @@ public:
     // Whether the text has no bytes.
     bool IsEmpty() const;
     // The size of the text in bytes; NUL bytes count.
-    unsigned long Length() const;
+    std::size_t Length() const;
     // Makes the text empty.
     FSPath& Clear();
 
@@ -120,11 +121,11 @@ public:
     // NOTE: kAnyPathSep looks for a slash first and takes a backslash only when the text
     // holds no slash at all.
     //   "a\b/c" => 3 (any), 1 (windows);  "abc" => npos;  "" => npos
-    unsigned long FindFirstPathSep(EPathSepType type = kAnyPathSep) const;
+    std::size_t FindFirstPathSep(EPathSepType type = kAnyPathSep) const;
     // The index of the last separator of that kind, or npos; kAnyPathSep prefers slashes
     // as FindFirstPathSep does.
     //   "a/b\c" => 1 (any), 3 (windows);  "a\b\c" => 3 (any)
-    unsigned long FindLastPathSep(EPathSepType type = kAnyPathSep) const;
+    std::size_t FindLastPathSep(EPathSepType type = kAnyPathSep) const;
     // Whether the text ends in a separator.  "/" => true;  "a" => false;  "" => false
     bool IsDirPath() const;
     // Not IsDirPath().  "" => true;  "a/" => false
@@ -163,15 +164,15 @@ public:
     // gives false.
     //   "a/b", 1, 1, "\" => "a\b";  "a/b", 1, 100, "c" => "ac";  "a/b", 3, 0, "c" => "a/bc";
     //   "a/b", 4, 0, "c" => false, "a/b"
-    bool Replace(unsigned long pos, unsigned long len, FSPath const& with,
+    bool Replace(std::size_t pos, std::size_t len, FSPath const& with,
                  std::string* error = nullptr);
     // The same with a plain string, used as it comes.
-    bool Replace(unsigned long pos, unsigned long len, std::string const& with,
+    bool Replace(std::size_t pos, std::size_t len, std::string const& with,
                  std::string* error = nullptr);
     // Removes up to len bytes from pos; len is cut at the end. pos > Length() leaves the
     // text, writes "Erase failed" into *error (when error is not null) and gives false.
     //   "a/b", 1, 100 => "a";  "a/b", 3, 1 => "a/b" (true);  "a/b", 4, 1 => false
-    bool Erase(unsigned long pos, unsigned long len, std::string* error = nullptr);
+    bool Erase(std::size_t pos, std::size_t len, std::string* error = nullptr);
 
     // ---- Absolute and simplified forms -----------------------------------------------
 
@@ -312,13 +313,13 @@ public:
     // object itself: 1 when the text starts with a separator, else 0. Default: start = 0.
     //   "/a/b/c/" + "b" => 3;  "/a/b/c/" + "a/b" => 1;  "/a/b/c" + "c" => npos;
     //   "a/b/a/" + "a" => npos;  "/a/b/" + "/" => npos;  "" + "a" => npos
-    unsigned long FindSubDir(FSPath const& sub, unsigned long start = 0);
+    std::size_t FindSubDir(FSPath const& sub, std::size_t start = 0);
     // The same with a path built from text.
-    unsigned long FindSubDir(std::string_view const& sub, unsigned long start = 0);
+    std::size_t FindSubDir(std::string_view const& sub, std::size_t start = 0);
     // FindSubDir(sub, start) != npos; always true for this object itself.
-    bool ContainsSubDir(FSPath const& sub, unsigned long start = 0);
+    bool ContainsSubDir(FSPath const& sub, std::size_t start = 0);
     // The same with a path built from text.
-    bool ContainsSubDir(std::string_view const& sub, unsigned long start = 0);
+    bool ContainsSubDir(std::string_view const& sub, std::size_t start = 0);
 
 private:
     std::string mPath;

@@ -49,7 +49,7 @@ bool MatchesAt(char const* at, std::string_view const& needle, Fold const& fold)
 
 // Tries every start from begin to lastStart (inclusive) in order: the plain procedure.
 template <class Fold>
-unsigned long ScanEachStart(std::string_view const& text, std::size_t begin, std::size_t lastStart,
+std::size_t ScanEachStart(std::string_view const& text, std::size_t begin, std::size_t lastStart,
                             std::string_view const& needle, Fold const& fold) {
     auto const head = fold(needle[0]);
     for (std::size_t p = begin; p <= lastStart; ++p) {
@@ -97,7 +97,7 @@ __m128i EqualsEither(char const* at, __m128i first, __m128i second) {
 // Filters 16 starts at a time on the needle's first and last byte (both variants of each),
 // then verifies the candidates in order with the table. Starts too near the end for a full
 // block are tried one by one.
-unsigned long ScanWithSse2(std::string_view const& text, std::size_t begin, std::size_t lastStart,
+std::size_t ScanWithSse2(std::string_view const& text, std::size_t begin, std::size_t lastStart,
                            std::string_view const& needle, FoldTable const& fold,
                            FoldVariants const& head, FoldVariants const& tail) {
     auto const lane = [](unsigned char b) { return _mm_set1_epi8(static_cast<char>(b)); };
@@ -124,7 +124,7 @@ unsigned long ScanWithSse2(std::string_view const& text, std::size_t begin, std:
 
 // Searches the starts begin..lastStart with a table; the needle's first and last bytes
 // filter candidates in blocks when at most two bytes fold onto each of them.
-unsigned long ScanWithTable(std::string_view const& text, std::size_t begin, std::size_t lastStart,
+std::size_t ScanWithTable(std::string_view const& text, std::size_t begin, std::size_t lastStart,
                             std::string_view const& needle) {
     FoldTable const fold;
 #ifdef TAVREL_SEARCH_SSE2
@@ -139,13 +139,13 @@ unsigned long ScanWithTable(std::string_view const& text, std::size_t begin, std
 
 // The end (exclusive) of the range whose last index is last: last = size - 1 and last = size
 // both reach the end of text.
-std::size_t RangeEnd(std::size_t size, unsigned long last) {
+std::size_t RangeEnd(std::size_t size, std::size_t last) {
     return last < size - 1 ? last + 1 : size;
 }
 
 }  // namespace
 
-char const* StrnStr(char const* text, unsigned long size, char const* needle) {
+char const* StrnStr(char const* text, std::size_t size, char const* needle) {
     if (text == nullptr || size == 0 || needle == nullptr) {
         return nullptr;
     }
@@ -154,8 +154,8 @@ char const* StrnStr(char const* text, unsigned long size, char const* needle) {
     return at == std::string_view::npos ? nullptr : text + at;
 }
 
-unsigned long FindCaseInsensitive(std::string_view const& text, unsigned long first,
-                                  unsigned long last, std::string_view const& needle) {
+std::size_t FindCaseInsensitive(std::string_view const& text, std::size_t first,
+                                  std::size_t last, std::string_view const& needle) {
     std::size_t const size = text.size();
     if (needle.empty() || size == 0 || first > last || first > size || last > size) {
         return npos;
@@ -171,13 +171,13 @@ unsigned long FindCaseInsensitive(std::string_view const& text, unsigned long fi
     return ScanWithTable(text, first, lastStart, needle);
 }
 
-unsigned long FindCaseInsensitive(std::string_view const& text, unsigned long first,
+std::size_t FindCaseInsensitive(std::string_view const& text, std::size_t first,
                                   std::string_view const& needle) {
-    unsigned long const last = text.empty() ? 0 : text.size() - 1;
+    std::size_t const last = text.empty() ? 0 : text.size() - 1;
     return FindCaseInsensitive(text, first, last, needle);
 }
 
-unsigned long FindCaseInsensitive(std::string_view const& text, std::string_view const& needle) {
+std::size_t FindCaseInsensitive(std::string_view const& text, std::string_view const& needle) {
     return FindCaseInsensitive(text, 0, needle);
 }
 

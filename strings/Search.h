@@ -5,12 +5,16 @@
 // decides which bytes match; it does not know about multi-byte characters.
 #pragma once
 
+#include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace Tavrel {
 
-// The result of a search that finds nothing: the unsigned long with all bits set.
-inline constexpr unsigned long npos = static_cast<unsigned long>(-1);
+// The result of a search that finds nothing: the std::size_t with all bits set, the same value
+// as std::string::npos on every platform (positions are std::size_t, as wide as memory).
+inline constexpr std::size_t npos = static_cast<std::size_t>(-1);
+static_assert(npos == std::string::npos);
 
 // The first place where the NUL-terminated needle occurs inside the first size bytes of text,
 // or null. Only size bounds text: NUL bytes inside it are compared like any other byte.
@@ -20,7 +24,7 @@ inline constexpr unsigned long npos = static_cast<unsigned long>(-1);
 //   ("abc", 0, "")        => null (size 0 never matches)
 //   ("a\0bc", 4, "bc")    => text + 2
 //   (null, _, _), (_, _, null) => null
-char const* StrnStr(char const* text, unsigned long size, char const* needle);
+char const* StrnStr(char const* text, std::size_t size, char const* needle);
 
 // The index (from the start of text) of the first match of needle under the tolower fold that
 // lies wholly inside the inclusive range [first, last], or npos. last == size counts as
@@ -31,14 +35,14 @@ char const* StrnStr(char const* text, unsigned long size, char const* needle);
 //   (4, 3, "o")      => npos     (5, 7, "o")      => 7
 //   (11, 11, "d")    => npos     (0, 10, "")      => npos (an empty needle never matches)
 //   empty text       => npos for every range and needle
-unsigned long FindCaseInsensitive(std::string_view const& text, unsigned long first,
-                                  unsigned long last, std::string_view const& needle);
+std::size_t FindCaseInsensitive(std::string_view const& text, std::size_t first,
+                                  std::size_t last, std::string_view const& needle);
 // As above with last = size - 1 (0 for an empty text).
 //   ("Hello World", 5, "O") => 7     ("Hello World", 11, "d") => npos
-unsigned long FindCaseInsensitive(std::string_view const& text, unsigned long first,
+std::size_t FindCaseInsensitive(std::string_view const& text, std::size_t first,
                                   std::string_view const& needle);
 // As above with first = 0.
 //   ("Hello World", "LL") => 2      ("", "") => npos      ("a\0B", "\0b") => 1
-unsigned long FindCaseInsensitive(std::string_view const& text, std::string_view const& needle);
+std::size_t FindCaseInsensitive(std::string_view const& text, std::string_view const& needle);
 
 }  // namespace Tavrel

@@ -274,7 +274,7 @@ bool FindFault(char const* bytes, std::size_t size, Utf8Fault& fault) {
 // computed from the bytes before the fault instead of being counted along the way. No byte of a
 // multi-byte sequence is a line feed, so only ASCII bytes can end a line.
 void ReportFault(std::string_view const& text, Utf8Fault const& fault, std::string& message,
-                 unsigned long* position) {
+                 std::size_t* position) {
     std::string_view const before = text.substr(0, fault.lead);
     std::size_t const lastFeed = before.rfind('\n');
     std::size_t const lineStart = lastFeed == std::string_view::npos ? 0 : lastFeed + 1;
@@ -290,7 +290,7 @@ void ReportFault(std::string_view const& text, Utf8Fault const& fault, std::stri
 }
 
 // Stores index in position when the run of good bytes ended before the end of text.
-bool PassesWholeText(std::size_t run, std::size_t size, unsigned long* position) {
+bool PassesWholeText(std::size_t run, std::size_t size, std::size_t* position) {
     if (run == size) {
         return true;
     }
@@ -302,7 +302,7 @@ bool PassesWholeText(std::size_t run, std::size_t size, unsigned long* position)
 
 }  // namespace
 
-bool ValidUTF8(std::string_view const& text, std::string& message, unsigned long* position) {
+bool ValidUTF8(std::string_view const& text, std::string& message, std::size_t* position) {
     Utf8Fault fault;
     if (!FindFault(text.data(), text.size(), fault)) {
         return true;
@@ -311,11 +311,11 @@ bool ValidUTF8(std::string_view const& text, std::string& message, unsigned long
     return false;
 }
 
-bool ValidASCII(std::string_view const& text, unsigned long* position) {
+bool ValidASCII(std::string_view const& text, std::size_t* position) {
     return PassesWholeText(AsciiRun(text.data(), text.size()), text.size(), position);
 }
 
-bool ValidPrintableASCII(std::string_view const& text, unsigned long* position) {
+bool ValidPrintableASCII(std::string_view const& text, std::size_t* position) {
     return PassesWholeText(PrintableRun(text.data(), text.size()), text.size(), position);
 }
 

@@ -4,6 +4,7 @@
 // skipped a block at a time. Message and position are written only on failure.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -21,13 +22,13 @@ namespace Tavrel {
 //   "ab\xC3"              => false, "Sign: 5 in column: 1 ...", 3 (the size of the text)
 //   "\xE2"                => false, "Sign: 4 in column: 1 ...", 2 (behind the end)
 //   "\0"                  => true (NUL is ASCII)
-bool ValidUTF8(std::string_view const& text, std::string& message, unsigned long* position);
+bool ValidUTF8(std::string_view const& text, std::string& message, std::size_t* position);
 // Whether no byte is above 0x7F; on failure *position (if not null) is the first such index.
 //   "" => true     "\0\n\x7F" => true     "ab\x80" => false, 2
-bool ValidASCII(std::string_view const& text, unsigned long* position);
+bool ValidASCII(std::string_view const& text, std::size_t* position);
 // Whether every byte lies in 0x20-0x7E; tab, line feed, NUL and 0x7F fail. On failure
 // *position (if not null) is the first failing index. Does not depend on the locale.
 //   "" => true     " ~" => true     "a\tb" => false, 1     "\x7F" => false, 0
-bool ValidPrintableASCII(std::string_view const& text, unsigned long* position);
+bool ValidPrintableASCII(std::string_view const& text, std::size_t* position);
 
 }  // namespace Tavrel
