@@ -1,10 +1,10 @@
 #include "minihost/host/ModuleLoader.h"
 
-#include <dlfcn.h>
-
 #include <cstring>
 #include <iterator>
 #include <utility>
+
+#include "minihost/host/SharedLibrary.h"
 
 namespace minihost {
 
@@ -36,17 +36,11 @@ constexpr std::size_t kDefinitionIndex = kTextCount;
 constexpr std::size_t kFirstEntry = kDefinitionIndex + 1;
 constexpr std::size_t kNameCount = std::size(kNames);
 
-// The current dlerror text, or a fallback when the loader left none.
-std::string LoaderError() {
-    char const* text = ::dlerror();
-    return text != nullptr ? std::string(text) : std::string("unknown loader error");
-}
-
 std::string CannotOpen(std::string const& path, std::string const& why) {
     return "cannot open module '" + path + "': " + why;
 }
 
-// Why a path cannot even be handed to dlopen, or "" when it can.
+// Why a path cannot even be handed to the loader, or "" when it can.
 std::string UnusablePath(std::string const& path) {
     if (path.empty()) {
         return "no path given";
@@ -55,11 +49,6 @@ std::string UnusablePath(std::string const& path) {
         return "the path holds a NUL byte";
     }
     return std::string();
-}
-
-// NOTE: dlopen searches the library path for a name without "/"; a host loads a file.
-std::string PathForDlopen(std::string const& path) {
-    return path.find('/') == std::string::npos ? "./" + path : path;
 }
 
 // "module '<path>' lacks N of the 28 names: a, b".
@@ -98,23 +87,23 @@ std::unique_ptr<LoadedModule> LoadedModule::Load(std::string const& path, std::s
         error = CannotOpen(path, why);
         return nullptr;
     }
-    ::dlerror();
-    void* handle = ::dlopen(PathForDlopen(path).c_str(), RTLD_NOW | RTLD_LOCAL);
+    std::string why;
+    void* handle = OpenSharedLibrary(path, why);
     if (handle == nullptr) {
-        error = CannotOpen(path, LoaderError());
+        error = CannotOpen(path, why);
         return nullptr;
     }
     std::vector<void*> symbols(kNameCount);
     std::vector<std::string_view> missing;
     for (std::size_t i = 0; i < kNameCount; ++i) {
         std::string const name(ExportedNames()[i]);
-        symbols[i] = ::dlsym(handle, name.c_str());
+        symbols[i] = FindSymbol(handle, name.c_str());
         if (symbols[i] == nullptr) {
             missing.push_back(ExportedNames()[i]);
         }
     }
     if (!missing.empty()) {
-        ::dlclose(handle);
+        CloseSharedLibrary(handle);
         error = LacksNames(path, missing);
         return nullptr;
     }
@@ -125,7 +114,7 @@ std::unique_ptr<LoadedModule> LoadedModule::Load(std::string const& path, std::s
 LoadedModule::LoadedModule(void* handle, std::string const& path, std::vector<void*> symbols)
     : mHandle(handle), mInfo(path), mSymbols(std::move(symbols)) {}
 
-LoadedModule::~LoadedModule() { ::dlclose(mHandle); }
+LoadedModule::~LoadedModule() { CloseSharedLibrary(mHandle); }
 
 void* LoadedModule::Symbol(std::string_view name, std::size_t from, std::size_t to) const {
     for (std::size_t i = from; i < to; ++i) {

@@ -1,5 +1,5 @@
-// LoadedModule: a module shared object opened the way the host opens one: dlopen with
-// RTLD_NOW | RTLD_LOCAL, then every one of the 28 exported names looked up by its plain
+// LoadedModule: a module shared object opened the way the host opens one (dlopen with
+// RTLD_NOW | RTLD_LOCAL, LoadLibrary on Windows; see SharedLibrary.h), then every one of the 28 exported names looked up by its plain
 // name (the names come from the module's own lists, generated at build time). A module that cannot be opened or lacks a name is refused with a text that says
 // why. It calls nothing in the module while loading; the caller calls entries and texts.
 #pragma once
@@ -33,12 +33,12 @@ public:
     //   names missing => "module '<path>' lacks 3 of the 28 names: GetState, ..." (each
     //                    missing name, in the order of ExportedNames)
     // NOTE: a path without a "/" is opened as "./<path>", a file in the current directory,
-    // rather than searched for in the library path as dlopen would.
+    // rather than searched for in the library path as the loader would.
     static std::unique_ptr<LoadedModule> Load(std::string const& path, std::string& error);
 
     LoadedModule(LoadedModule const&) = delete;
     LoadedModule& operator=(LoadedModule const&) = delete;
-    // dlclose.
+    // Closes the library.
     ~LoadedModule();
 
     // The entry of that full name: "tavrel_module_BinarySize" => the function;
@@ -50,7 +50,7 @@ public:
     // Calls GetModuleDefinition(nullptr).
     char const* Definition() const;
 
-    // The dlopen handle, for tests.
+    // The loader's handle of the library, for tests.
     void* Handle() const { return mHandle; }
     // The path as given to Load.
     std::string const& Path() const { return mInfo.Path(); }
