@@ -1,7 +1,9 @@
 // LoadedModule: a module shared object opened the way the host opens one (dlopen with
-// RTLD_NOW | RTLD_LOCAL, LoadLibrary on Windows; see SharedLibrary.h), then every one of the 28 exported names looked up by its plain
-// name (the names come from the module's own lists, generated at build time). A module that cannot be opened or lacks a name is refused with a text that says
-// why. It calls nothing in the module while loading; the caller calls entries and texts.
+// RTLD_NOW | RTLD_LOCAL, LoadLibrary on Windows; see SharedLibrary.h), then every one of the
+// 28 exported names looked up by its plain name (the names come from the module's own lists,
+// generated at build time). A module that cannot be opened or lacks a name is refused with a
+// text that says why. It calls nothing in the module while loading; the caller calls entries
+// and texts.
 #pragma once
 
 #include <memory>
