@@ -29,7 +29,7 @@ unsigned int HandWrittenSize(int count, Tavrel::IVariant** arguments, Tavrel::IV
         return 0x10002;
     }
     Tavrel::AutoRefPtr<Tavrel::IDataRef> const data = argument->GetData();
-    unsigned long size = 0;
+    std::size_t size = 0;
     if (!data) {
         context->TriggerErrorHandler(2, "Binary", Tavrel::TavrelError::InvalidUsage(),
                                      "No binary data given!");

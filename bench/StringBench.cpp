@@ -97,7 +97,7 @@ void BM_MemchrAbsent(benchmark::State& state) {
 
 void RunValidUTF8(benchmark::State& state, std::string const& text) {
     std::string message;
-    unsigned long position = 0;
+    std::size_t position = 0;
     bool valid = false;
     for (auto _ : state) {
         valid = Tavrel::ValidUTF8(text, message, &position);
@@ -127,7 +127,7 @@ void BM_Strcasestr(benchmark::State& state) {
 void BM_FindCaseInsensitive(benchmark::State& state) {
     std::string const text =
         SearchText(static_cast<unsigned long long>(state.range(0)), kNeedleInText);
-    unsigned long found = Tavrel::npos;
+    std::size_t found = Tavrel::npos;
     for (auto _ : state) {
         found = Tavrel::FindCaseInsensitive(text, kNeedle);
         benchmark::DoNotOptimize(found);

@@ -33,9 +33,9 @@ struct Inputs {
     bool rawA = false;  // a stored through operator= (kept as it is), else built (slashed)
     bool rawB = false;
     FSPath::EPathSepType type = FSPath::kAnyPathSep;
-    unsigned long pos = 0;
-    unsigned long len = 0;
-    unsigned long start = 0;
+    std::size_t pos = 0;
+    std::size_t len = 0;
+    std::size_t start = 0;
 };
 
 // A path text: separators, dots and a few letters stay; every other byte becomes one of
@@ -73,9 +73,9 @@ Inputs ReadInputs(FuzzedDataProvider& input) {
     in.a = PathText(input);
     in.b = PathText(input);
     in.aSwapped = SeparatorsSwapped(in.a, mask);
-    in.pos = input.ConsumeIntegralInRange<unsigned long>(0, in.a.size() + 2);
-    in.len = input.ConsumeIntegralInRange<unsigned long>(0, in.a.size() + 2);
-    in.start = input.ConsumeIntegralInRange<unsigned long>(0, in.a.size() + 2);
+    in.pos = input.ConsumeIntegralInRange<std::size_t>(0, in.a.size() + 2);
+    in.len = input.ConsumeIntegralInRange<std::size_t>(0, in.a.size() + 2);
+    in.start = input.ConsumeIntegralInRange<std::size_t>(0, in.a.size() + 2);
     return in;
 }
 
@@ -270,7 +270,7 @@ struct Erased {
 
 Erased ErasedLeaf(std::string_view text) {
     std::string const trimmed = ref::WithoutEndSeparators(text, ref::kAnySeparator);
-    unsigned long const place = ref::LastSeparator(trimmed, ref::kAnySeparator);
+    std::size_t const place = ref::LastSeparator(trimmed, ref::kAnySeparator);
     if (place == ref::kNoPlace) {
         return {false, trimmed, ""};
     }
@@ -430,17 +430,17 @@ void CheckStrip(Inputs const& in) {
 void CheckSubDirectories(Inputs const& in) {
     FSPath path = Made(in.a, in.rawA);
     FSPath const sub = Made(in.b, in.rawB);
-    unsigned long const expected =
+    std::size_t const expected =
         ref::SubDirectoryPlace(path.GetPathStr(), sub.GetPathStr(), in.start);
     Require(path.FindSubDir(sub, in.start) == expected &&
                 path.ContainsSubDir(sub, in.start) == (expected != Tavrel::npos),
             "whole components", "FindSubDir");
-    unsigned long const fromText =
+    std::size_t const fromText =
         ref::SubDirectoryPlace(path.GetPathStr(), ref::Slashed(in.b), in.start);
     Require(path.FindSubDir(in.b, in.start) == fromText &&
                 path.ContainsSubDir(in.b, in.start) == (fromText != Tavrel::npos),
             "text", "FindSubDir");
-    unsigned long const self = path.StartsWithPathSep(FSPath::kAnyPathSep) ? 1 : 0;
+    std::size_t const self = path.StartsWithPathSep(FSPath::kAnyPathSep) ? 1 : 0;
     Require(path.FindSubDir(path, in.start) == self && path.ContainsSubDir(path, in.start),
             "itself", "FindSubDir");
 }

@@ -37,17 +37,17 @@ struct Inputs {
     std::string to;
     char special = 0;
     char escape = 0;
-    unsigned long first = 0;
-    unsigned long last = 0;
-    unsigned long limit = 0;  // how many bytes of text StrnStr may look at
+    std::size_t first = 0;
+    std::size_t last = 0;
+    std::size_t limit = 0;  // how many bytes of text StrnStr may look at
 };
 
 // An index around the text's edges, or far behind it.
-unsigned long IndexNear(FuzzedDataProvider& input, std::size_t size) {
+std::size_t IndexNear(FuzzedDataProvider& input, std::size_t size) {
     if (input.ConsumeIntegralInRange(0, 7) == 0) {
-        return input.ConsumeIntegral<unsigned long>();
+        return input.ConsumeIntegral<std::size_t>();
     }
-    return input.ConsumeIntegralInRange<unsigned long>(0, size + 2);
+    return input.ConsumeIntegralInRange<std::size_t>(0, size + 2);
 }
 
 Inputs ReadInputs(FuzzedDataProvider& input) {
@@ -60,16 +60,16 @@ Inputs ReadInputs(FuzzedDataProvider& input) {
     in.text = input.ConsumeRandomLengthString(kMaxText);
     in.first = IndexNear(input, in.text.size());
     in.last = IndexNear(input, in.text.size());
-    in.limit = input.ConsumeIntegralInRange<unsigned long>(0, in.text.size());
+    in.limit = input.ConsumeIntegralInRange<std::size_t>(0, in.text.size());
     return in;
 }
 
 void CheckStrnStr(Inputs const& in) {
     char const* const found = Tavrel::StrnStr(in.text.data(), in.limit, in.other.c_str());
-    unsigned long const expected =
+    std::size_t const expected =
         ref::CountedFind(std::string_view(in.text).substr(0, in.limit), in.other.c_str());
-    unsigned long const got =
-        found == nullptr ? ref::kNotFound : static_cast<unsigned long>(found - in.text.data());
+    std::size_t const got =
+        found == nullptr ? ref::kNotFound : static_cast<std::size_t>(found - in.text.data());
     Require(got == expected, "StrnStr finds the first counted match", "StrnStr");
     Require(Tavrel::StrnStr(nullptr, in.limit, in.other.c_str()) == nullptr, "null text",
             "StrnStr");
@@ -79,7 +79,7 @@ void CheckStrnStr(Inputs const& in) {
 
 void CheckFindCaseInsensitive(Inputs const& in) {
     std::string_view const text = in.text;
-    unsigned long const lastOfText = text.empty() ? 0 : text.size() - 1;
+    std::size_t const lastOfText = text.empty() ? 0 : text.size() - 1;
     Require(Tavrel::FindCaseInsensitive(text, in.first, in.last, in.other) ==
                 ref::FoldFind(text, in.first, in.last, in.other),
             "first match inside [first, last]", "FindCaseInsensitive");
@@ -136,7 +136,7 @@ void CheckCompare(Inputs const& in) {
 void CheckValidUtf8(std::string_view text) {
     ref::Utf8Verdict const expected = ref::CheckUtf8(text);
     std::string message = "left alone";
-    unsigned long position = 12345;
+    std::size_t position = 12345;
     bool const valid = Tavrel::ValidUTF8(text, message, &position);
     Require(valid == expected.valid, "verdict", "ValidUTF8");
     if (valid) {
@@ -153,9 +153,9 @@ void CheckValidUtf8(std::string_view text) {
 
 // A byte test with an optional failing index against its reference.
 template <class Library>
-void CheckByteTest(std::string_view text, Library library, std::optional<unsigned long> expected,
+void CheckByteTest(std::string_view text, Library library, std::optional<std::size_t> expected,
                    char const* where) {
-    unsigned long position = 12345;
+    std::size_t position = 12345;
     bool const valid = library(text, &position);
     Require(valid == !expected.has_value(), "verdict", where);
     Require(position == (valid ? 12345 : *expected), "position", where);
@@ -166,11 +166,11 @@ void CheckValidation(Inputs const& in) {
     CheckValidUtf8(in.text);
     CheckByteTest(
         in.text,
-        [](std::string_view const& t, unsigned long* p) { return Tavrel::ValidASCII(t, p); },
+        [](std::string_view const& t, std::size_t* p) { return Tavrel::ValidASCII(t, p); },
         ref::FirstNonAscii(in.text), "ValidASCII");
     CheckByteTest(
         in.text,
-        [](std::string_view const& t, unsigned long* p) {
+        [](std::string_view const& t, std::size_t* p) {
             return Tavrel::ValidPrintableASCII(t, p);
         },
         ref::FirstNonPrintableAscii(in.text), "ValidPrintableASCII");

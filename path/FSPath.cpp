@@ -1,6 +1,10 @@
 #include "path/FSPath.h"
 
+#if defined(_WIN32)
+#include <direct.h>
+#else
 #include <unistd.h>
+#endif
 
 #include <algorithm>
 #include <cstring>
@@ -28,6 +32,15 @@ const std::string kDot = ".";
 const std::string kDotDot = "..";
 
 constexpr std::size_t kCurrDirBufferSize = 1024;
+
+// The current directory into buffer, or null when it does not fit or the system has none.
+char* CurrentDirectory(char* buffer, std::size_t size) {
+#if defined(_WIN32)
+    return _getcwd(buffer, static_cast<int>(size));
+#else
+    return getcwd(buffer, size);
+#endif
+}
 constexpr char kBothSeparators[] = "/\\";
 
 // Both are separators of kAnyPathSep; the other kinds accept one byte each.
@@ -409,7 +422,7 @@ bool FSPath::IsAbsolute() const { return !mPath.empty() && IsSep(mPath.front());
 
 std::string FSPath::GetCurrDir() {
     char buffer[kCurrDirBufferSize];
-    if (getcwd(buffer, kCurrDirBufferSize) == nullptr) {
+    if (CurrentDirectory(buffer, kCurrDirBufferSize) == nullptr) {
         return std::string();
     }
     return std::string(buffer);

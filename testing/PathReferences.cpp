@@ -68,7 +68,7 @@ std::string WithoutStartSeparators(std::string_view text, std::string_view separ
     return std::string(text);
 }
 
-unsigned long FirstSeparator(std::string_view text, std::string_view separators) {
+std::size_t FirstSeparator(std::string_view text, std::string_view separators) {
     for (char const separator : separators) {
         std::size_t const place = text.find(separator);
         if (place != std::string_view::npos) {
@@ -78,7 +78,7 @@ unsigned long FirstSeparator(std::string_view text, std::string_view separators)
     return kNoPlace;
 }
 
-unsigned long LastSeparator(std::string_view text, std::string_view separators) {
+std::size_t LastSeparator(std::string_view text, std::string_view separators) {
     for (char const separator : separators) {
         std::size_t const place = text.rfind(separator);
         if (place != std::string_view::npos) {
@@ -202,7 +202,7 @@ bool EndsWithPath(std::string_view path, std::string_view text, bool ignoreEndSe
     return EndsWithUpToNul(mine, theirs);
 }
 
-unsigned long SubDirectoryPlace(std::string_view path, std::string_view sub, unsigned long start) {
+std::size_t SubDirectoryPlace(std::string_view path, std::string_view sub, std::size_t start) {
     if (start >= path.size()) {
         return kNoPlace;
     }

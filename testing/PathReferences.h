@@ -5,6 +5,7 @@
 // module or its libraries may use them.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,7 +15,7 @@ namespace tavrel_testing::reference {
 inline constexpr std::string_view kSlash = "/";
 inline constexpr std::string_view kBackslash = "\\";
 inline constexpr std::string_view kAnySeparator = "/\\";
-inline constexpr unsigned long kNoPlace = static_cast<unsigned long>(-1);
+inline constexpr std::size_t kNoPlace = static_cast<std::size_t>(-1);
 
 // A slash or a backslash.   '/' => true     '\\' => true     ':' => false
 bool IsSeparator(char c);
@@ -27,8 +28,8 @@ std::string WithoutStartSeparators(std::string_view text, std::string_view separ
 // The first or last separator of that set; with both kinds accepted a slash is looked for
 // first, and a backslash only in a text with no slash.   "a\b/c", "/\" => 3 (first)
 //   last: ("a/b\c", "/\") => 1     ("a\b", "/") => kNoPlace
-unsigned long FirstSeparator(std::string_view text, std::string_view separators);
-unsigned long LastSeparator(std::string_view text, std::string_view separators);
+std::size_t FirstSeparator(std::string_view text, std::string_view separators);
+std::size_t LastSeparator(std::string_view text, std::string_view separators);
 
 // path joined with argument as AppendPath(argument, dir) joins them, in slash form.
 //   ("a", "b", false) => "a/b"     ("a/", "/b", false) => "a//b"     ("", "", true) => "/"
@@ -66,6 +67,6 @@ std::string ComparedForm(std::string_view text, bool ignoreEndSeparators, bool c
 // sides, so one at the very start or end of path is never found.
 bool StartsWithPath(std::string_view path, std::string_view other, bool strict);
 bool EndsWithPath(std::string_view path, std::string_view text, bool ignoreEndSeparators);
-unsigned long SubDirectoryPlace(std::string_view path, std::string_view sub, unsigned long start);
+std::size_t SubDirectoryPlace(std::string_view path, std::string_view sub, std::size_t start);
 
 }  // namespace tavrel_testing::reference

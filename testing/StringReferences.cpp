@@ -65,7 +65,7 @@ bool IsContinuation(char c) {
     return byte >= 0x80 && byte <= 0xBF;
 }
 
-Utf8Verdict Utf8Failure(unsigned long place, unsigned long line, unsigned long position) {
+Utf8Verdict Utf8Failure(std::size_t place, std::size_t line, std::size_t position) {
     return {false,
             "Sign: " + std::to_string(place) + " in column: " + std::to_string(line) +
                 " is not utf-8 conform.",
@@ -76,7 +76,7 @@ bool InSet(std::string_view set, char c) { return set.find(c) != std::string_vie
 
 }  // namespace
 
-unsigned long CountedFind(std::string_view text, char const* needle) {
+std::size_t CountedFind(std::string_view text, char const* needle) {
     std::size_t const n = std::strlen(needle);
     if (text.empty() || n > text.size()) {
         return kNotFound;
@@ -89,14 +89,14 @@ unsigned long CountedFind(std::string_view text, char const* needle) {
     return kNotFound;
 }
 
-unsigned long FoldFind(std::string_view text, unsigned long first, unsigned long last,
+std::size_t FoldFind(std::string_view text, std::size_t first, std::size_t last,
                        std::string_view needle) {
-    unsigned long const size = text.size();
+    std::size_t const size = text.size();
     if (needle.empty() || text.empty() || first > last || first > size || last > size) {
         return kNotFound;
     }
-    unsigned long const end = last < size - 1 ? last + 1 : size;  // one behind the range
-    for (unsigned long place = first; place + needle.size() <= end; ++place) {
+    std::size_t const end = last < size - 1 ? last + 1 : size;  // one behind the range
+    for (std::size_t place = first; place + needle.size() <= end; ++place) {
         if (FoldedAt(text, place, needle)) {
             return place;
         }
@@ -163,8 +163,8 @@ bool EqualsFolded(std::string_view text, std::string_view other) {
 }
 
 Utf8Verdict CheckUtf8(std::string_view text) {
-    unsigned long line = 1;
-    unsigned long place = 0;  // bytes so far on the line
+    std::size_t line = 1;
+    std::size_t place = 0;  // bytes so far on the line
     std::size_t i = 0;
     while (i < text.size()) {
         auto const byte = static_cast<unsigned char>(text[i]);
@@ -195,7 +195,7 @@ Utf8Verdict CheckUtf8(std::string_view text) {
     return {};
 }
 
-std::optional<unsigned long> FirstNonAscii(std::string_view text) {
+std::optional<std::size_t> FirstNonAscii(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (static_cast<unsigned char>(text[i]) > 0x7F) {
             return i;
@@ -204,7 +204,7 @@ std::optional<unsigned long> FirstNonAscii(std::string_view text) {
     return std::nullopt;
 }
 
-std::optional<unsigned long> FirstNonPrintableAscii(std::string_view text) {
+std::optional<std::size_t> FirstNonPrintableAscii(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         auto const byte = static_cast<unsigned char>(text[i]);
         if (byte < 0x20 || byte > 0x7E) {

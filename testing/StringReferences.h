@@ -6,6 +6,7 @@
 // may use them.
 #pragma once
 
+#include <cstddef>
 #include <list>
 #include <optional>
 #include <string>
@@ -13,19 +14,19 @@
 
 namespace tavrel_testing::reference {
 
-inline constexpr unsigned long kNotFound = static_cast<unsigned long>(-1);
+inline constexpr std::size_t kNotFound = static_cast<std::size_t>(-1);
 
 // Index of the first place at which needle (the bytes before its first NUL) lies wholly
 // inside text; kNotFound for an empty text or a needle longer than it. "" is found at 0.
 //   ("aab", "ab") => 1     ("abc", "") => 0     ("", "") => kNotFound
-unsigned long CountedFind(std::string_view text, char const* needle);
+std::size_t CountedFind(std::string_view text, char const* needle);
 
 // The first match of needle under the tolower fold inside the inclusive range
 // [first, last] (last == size meaning size - 1); kNotFound for an empty text or needle,
 // first > last, first or last > size, or no match.
 //   ("HeLLo", 0, 5, "ll") => 2     ("abc", 0, 3, "c") => 2     ("abc", 0, 1, "bc") => kNotFound
 //   ("abc", 2, 1, "a") => kNotFound
-unsigned long FoldFind(std::string_view text, unsigned long first, unsigned long last,
+std::size_t FoldFind(std::string_view text, std::size_t first, std::size_t last,
                        std::string_view needle);
 
 // Left to right, non-overlapping, never searching what was put in. Empty text or from =>
@@ -51,7 +52,7 @@ bool EqualsFolded(std::string_view text, std::string_view other);
 struct Utf8Verdict {
     bool valid = true;
     std::string message;  // set only when not valid
-    unsigned long position = 0;
+    std::size_t position = 0;
 };
 // The form-only UTF-8 walk with its line and place counting: a lead byte C0-F7 and the
 // right number of continuation bytes 80-BF, nothing more (no overlong or range check).
@@ -61,9 +62,9 @@ struct Utf8Verdict {
 // NOTE: "column" counts lines, and the place of a cut sequence is one behind its end.
 Utf8Verdict CheckUtf8(std::string_view text);
 // Index of the first byte above 0x7F, or nullopt.   "ab\x80" => 2     "" => nullopt
-std::optional<unsigned long> FirstNonAscii(std::string_view text);
+std::optional<std::size_t> FirstNonAscii(std::string_view text);
 // Index of the first byte outside 0x20-0x7E, or nullopt.   "a\tb" => 1     "~" => nullopt
-std::optional<unsigned long> FirstNonPrintableAscii(std::string_view text);
+std::optional<std::size_t> FirstNonPrintableAscii(std::string_view text);
 
 // The two replacement passes of escaping and of unescaping: escape doubled, then special
 // behind an escape; and back.   Escaped ("a;b\\", ';', '\\') => "a\\;b\\\\"

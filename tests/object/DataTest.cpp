@@ -88,14 +88,14 @@ TEST(Data, CloneIsIndependent) {
 
 TEST(Data, PushBack) {
     struct Row {
-        unsigned long count, offset;
+        std::size_t count, offset;
         char const* result;
         int reads;  // Read calls the source receives: one for every range that fits
     };
     Row const rows[] = {
         {2, 1, ">bc", 1},   {0, 2, ">", 1},     {0, 4, ">", 1},
         {3, 1, ">bcd", 1},  {4, 1, ">", 0},     {4, 0, ">abcd", 1},
-        {static_cast<unsigned long>(-1), 2, ">", 0}, {2, static_cast<unsigned long>(-1), ">", 0},
+        {static_cast<std::size_t>(-1), 2, ">", 0}, {2, static_cast<std::size_t>(-1), ">", 0},
     };
     for (Row const& row : rows) {
         AutoRefPtr<MemoryBuffer> source(new MemoryBuffer("abcd", {false, 0}));

@@ -99,7 +99,7 @@ TEST(FSPathCompare, StripAndStripPath) {
 }
 
 TEST(FSPathCompare, FindSubDir) {
-    struct Row { char const *path, *sub; unsigned long start, expected; };
+    struct Row { char const *path, *sub; std::size_t start, expected; };
     Row const rows[] = {
         {"/a/b/c/", "/b/", 0, 3},     {"/a/b/c/", "a/b", 0, 1},   {"/a/b/c", "c", 0, npos},
         {"a/b/c/", "b", 0, 2},        {"a/b/a/", "a", 0, npos},   {"/xb/b/", "b", 0, 4},
@@ -142,7 +142,7 @@ TEST(FSPathCompare, PropertiesOverTrickyPairs) {
                 EXPECT_TRUE(mine.ends_with(stripped.GetPathStr()));
                 EXPECT_TRUE(mine.ends_with(strippedPath.GetPathStr()));
             }
-            unsigned long const found = Raw(mine).FindSubDir(other);
+            std::size_t const found = Raw(mine).FindSubDir(other);
             if (found != npos) {
                 ASSERT_GT(found, 0u);
                 EXPECT_TRUE(FSPath::IsPathSeparator(mine[found - 1]));

@@ -78,7 +78,7 @@ TEST(FSPathValue, AppendStringAppendExtAndMakeDirPath) {
 }
 
 TEST(FSPathValue, SeparatorSearchAndTrimOnMixedText) {
-    struct Row { char const* text; FSPath::EPathSepType type; unsigned long first, last; };
+    struct Row { char const* text; FSPath::EPathSepType type; std::size_t first, last; };
     Row const rows[] = {
         {"a\\b/c", kAny, 3, 3}, {"a\\b/c", kWin, 1, 1},   {"a/b\\c", kAny, 1, 1},
         {"a\\b\\c", kAny, 1, 3}, {"a\\b\\c", kUnix, npos, npos}, {"", kAny, npos, npos},
@@ -94,7 +94,7 @@ TEST(FSPathValue, SeparatorSearchAndTrimOnMixedText) {
 }
 
 TEST(FSPathValue, ReplaceAndErase) {
-    struct Row { unsigned long pos, len; char const* with; bool ok; char const* expected; };
+    struct Row { std::size_t pos, len; char const* with; bool ok; char const* expected; };
     Row const rows[] = {  // with null: Erase
         {1, 1, "\\", true, "a\\b"},   {1, 100, "c", true, "ac"},      {3, 0, "c", true, "a/bc"},
         {4, 0, "c", false, "a/b"},    {npos, 1, "c", false, "a/b"},   {1, npos, nullptr, true, "a"},

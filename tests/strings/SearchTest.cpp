@@ -16,7 +16,7 @@ using namespace std::string_view_literals;
 TEST(StrnStr, Table) {
     struct Row {
         std::string_view text;
-        unsigned long size;
+        std::size_t size;
         char const* needle;
         long expected;  // index of the match, -1 for null
     };
@@ -38,9 +38,9 @@ TEST(StrnStr, Table) {
 
 TEST(FindCaseInsensitive, HelloWorldRanges) {
     struct Row {
-        unsigned long first, last;
+        std::size_t first, last;
         std::string_view needle;
-        unsigned long expected;
+        std::size_t expected;
     };
     // clang-format off
     Row const rows[] = {
@@ -71,8 +71,8 @@ TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
         // Long texts take the table and block paths, short ones the direct fold.
         std::string const text = random.From(alphabet, round % 3 == 0 ? 1200 : 40);
         std::string const needle = random.From(alphabet, 1 + round % 5);
-        unsigned long const first = random.Below(text.size() + 2);
-        unsigned long const last = round % 4 == 0 ? text.size() : random.Below(text.size() + 2);
+        std::size_t const first = random.Below(text.size() + 2);
+        std::size_t const last = round % 4 == 0 ? text.size() : random.Below(text.size() + 2);
         ASSERT_EQ(FindCaseInsensitive(text, first, last, needle),
                   ref::FoldFind(text, first, last, needle))
             << "round " << round << " needle " << needle << " " << first << ".." << last;

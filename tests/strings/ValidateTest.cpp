@@ -13,13 +13,13 @@ namespace ref = tavrel_testing::reference;
 using tavrel_testing::RandomText;
 using namespace std::string_literals;
 
-constexpr unsigned long kUntouched = 999999;
+constexpr std::size_t kUntouched = 999999;
 
 TEST(ValidUTF8, Table) {
     struct Row {
         std::string bytes;
         std::string message;  // empty: the text passes
-        unsigned long position;
+        std::size_t position;
     };
     auto const fail = [](int sign, int line) {
         return "Sign: " + std::to_string(sign) + " in column: " + std::to_string(line) +
@@ -40,7 +40,7 @@ TEST(ValidUTF8, Table) {
     for (Row const& row : rows) {
         SCOPED_TRACE(testing::Message() << "row " << testing::PrintToString(row.bytes));
         std::string message = "before";
-        unsigned long position = kUntouched;
+        std::size_t position = kUntouched;
         bool const valid = row.message.empty();
         EXPECT_EQ(ValidUTF8(row.bytes, message, &position), valid);
         EXPECT_EQ(message, valid ? "before" : row.message);
@@ -54,7 +54,7 @@ TEST(ValidUTF8, Table) {
 TEST(ValidASCII, Tables) {
     struct Row {
         std::string bytes;
-        unsigned long ascii, printable;  // failing index, or kUntouched for a pass
+        std::size_t ascii, printable;  // failing index, or kUntouched for a pass
     };
     // clang-format off
     Row const rows[] = {
@@ -66,7 +66,7 @@ TEST(ValidASCII, Tables) {
     // clang-format on
     for (Row const& row : rows) {
         SCOPED_TRACE(testing::Message() << "row " << testing::PrintToString(row.bytes));
-        unsigned long position = kUntouched;
+        std::size_t position = kUntouched;
         EXPECT_EQ(ValidASCII(row.bytes, &position), row.ascii == kUntouched);
         EXPECT_EQ(position, row.ascii);
         position = kUntouched;
@@ -112,7 +112,7 @@ TEST(Validate, AgreesWithReference) {
                      << "round " << round << " " << testing::PrintToString(text));
         ref::Utf8Verdict const expected = ref::CheckUtf8(text);
         std::string message;
-        unsigned long position = kUntouched;
+        std::size_t position = kUntouched;
         ASSERT_EQ(ValidUTF8(text, message, &position), expected.valid);
         ASSERT_EQ(message, expected.message);
         ASSERT_EQ(position, expected.valid ? kUntouched : expected.position);
@@ -121,8 +121,8 @@ TEST(Validate, AgreesWithReference) {
         std::string tildes = text;
         std::replace(tildes.begin(), tildes.end(), '\n', '~');
         for (std::string_view const ascii : {std::string_view(text), std::string_view(tildes)}) {
-            unsigned long const nonAscii = ref::FirstNonAscii(ascii).value_or(kUntouched);
-            unsigned long const nonPrintable =
+            std::size_t const nonAscii = ref::FirstNonAscii(ascii).value_or(kUntouched);
+            std::size_t const nonPrintable =
                 ref::FirstNonPrintableAscii(ascii).value_or(kUntouched);
             position = kUntouched;
             ASSERT_EQ(ValidASCII(ascii, &position), nonAscii == kUntouched);
