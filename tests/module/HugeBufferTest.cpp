@@ -3,10 +3,12 @@
 // as the data, on every platform (a 32-bit unsigned long would cut 5 GiB + 10 to 1 GiB + 10
 // and read from the wrong place).
 #include <gtest/gtest.h>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "host/VariantType.h"
+#include "minihost/host/Context.h"
 #include "minihost/host/Variant.h"
 #include "object/InterfaceImpl.h"
 #include "tests/module/ModuleHarness.h"
@@ -31,14 +33,16 @@ std::string BytesAt(unsigned long long pos, unsigned long long count) {
     return bytes;
 }
 
-// A read-only host buffer of kHugeSize bytes made on demand; it does not expose them.
+// A read-only host buffer of kHugeSize bytes made on demand; it does not expose them. One
+// that does not deliver writes nothing, which keeps a read of gigabytes quick.
 class HugeBuffer final : public InterfaceImpl<IDataRef> {
 public:
+    explicit HugeBuffer(bool delivers = true) : mDelivers(delivers) {}
     unsigned long long Interface_GetSize() const override { return kHugeSize; }
     void Interface_Assign(char const* /*bytes*/, unsigned long long /*size*/) override {}
     unsigned long long Interface_Read(char* destination, unsigned long long count,
                                       unsigned long long offset) const override {
-        if (offset >= kHugeSize) {
+        if (offset >= kHugeSize || !mDelivers) {
             return 0;
         }
         count = count < kHugeSize - offset ? count : kHugeSize - offset;
@@ -48,7 +52,10 @@ public:
         return count;
     }
     bool Interface_IsEqual(IDataRef* /*other*/) const override { return false; }
-    IDataRef* Interface_Clone() const override { return new HugeBuffer(); }
+    IDataRef* Interface_Clone() const override { return new HugeBuffer(mDelivers); }
+
+private:
+    bool mDelivers;
 };
 
 Variant N(unsigned long long value) { return Variant::Number(static_cast<double>(value)); }
@@ -91,5 +98,25 @@ TEST(HugeBuffer, SizesAndRangesPastFourGiB) {
     tavrel_testing::CallResult const size = tavrel_testing::Call("BinarySize", {copy.result});
     EXPECT_EQ(Exactly(size.result), "5:5368709130");
 }
+
+#if defined(_WIN32)
+
+// NOTE: the host takes a string's size as an unsigned long, 32 bits wide here. A string
+// result it cannot carry is not cut short: the exception passes through the entry, as a
+// failed allocation's would, and the result variant keeps what it held.
+TEST(HugeBuffer, StringTooLargeForTheHostThrowsThroughTheEntry) {
+    AutoRefPtr<IDataRef> const huge(new HugeBuffer(false));
+    Variant hugeValue = Variant::DataRef(huge);
+    Variant offset = N(0), size = N(4 * kGiB + 1);
+    Variant result = Variant::String("earlier");
+    minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
+    EXPECT_THROW(tavrel_testing::CallEntry("BinaryPartToString", {&hugeValue, &offset, &size},
+                                           &result, &context),
+                 std::length_error);
+    EXPECT_EQ(result.assignments(), 0);
+    EXPECT_EQ(result.string(), "earlier");
+}
+
+#endif
 
 }  // namespace
