@@ -7,7 +7,10 @@
 //   followed; the one question put to the system is the current directory (GetCurrDir).
 //   A "directory path" is simply a text that ends in a separator.
 // - It knows no drive letters, shares or device names: "C:/x" is a relative path whose
-//   first component is "C:".
+//   first component is "C:", on Windows too. Windows gives the current directory with a
+//   drive ("C:\Users\u"), so there GetFullPath of a relative path joins it to that text in
+//   slash form ("a" => "C:/Users/u/a") but cannot make it absolute and gives false; a path
+//   that begins with a separator resolves as anywhere else.
 // - It decodes no character set: positions and lengths count bytes, and a NUL byte is an
 //   ordinary byte of the text.
 //
