@@ -1,6 +1,11 @@
 # Compiler flags shared by every target: warnings, and the sanitizers a preset asks for.
 add_compile_options(-Wall -Wextra -Wpedantic)
-if(TAVREL_WERROR)
+# NOTE: the environment is read at every configure, not only the first: a build folder made
+# outside CI and reused in CI (or the other way round) follows the CI variable of today's run.
+if(TAVREL_WERROR OR "$ENV{CI}")
+  if(NOT TAVREL_WERROR)
+    message(STATUS "Warnings are errors: the environment sets CI")
+  endif()
   add_compile_options(-Werror)
 endif()
 
