@@ -1,11 +1,7 @@
 #include "minihost/host/FileBuffer.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <cstring>
 #include <string>
-#include <sys/types.h>
 #include <utility>
 
 #include "minihost/host/BufferCompare.h"
@@ -15,13 +11,14 @@ namespace minihost {
 
 namespace {
 
-// The largest request handed to one pread; larger reads loop.
+// The largest request handed to one read of the system; larger reads loop.
 // NOTE: small on purpose. A signal that arrives during a pread of a regular file is taken only
 // when the call returns, and a second SIGINT arriving meanwhile merges with the first. With one
 // call for a whole large range, two Ctrl-C during it would count as one and the program would
 // go on; a piece of 8 MiB returns within milliseconds, so each Ctrl-C is taken on its own (the
 // first sets the interruption flag, the second ends the program). Reading 1 GiB of a sparse
-// file takes the same time in 8 MiB pieces as in one call.
+// file takes the same time in 8 MiB pieces as in one call. (Windows takes Ctrl-C on a thread of
+// its own, which no read delays; there the pieces only keep ReadFile within its 32-bit count.)
 constexpr unsigned long long kMaxReadPerCall = 8ULL << 20;
 
 // A clone whose file shrank holds room for the size at open; it gives the room back when it
@@ -38,22 +35,15 @@ unsigned long long ClipToSize(unsigned long long size, unsigned long long count,
     return count > size - offset ? size - offset : count;
 }
 
-// One pread, repeated while a signal interrupts it; < 0 on error, 0 at end of file.
-ssize_t PreadOnce(int fd, char* destination, unsigned long long count, unsigned long long offset) {
-    size_t const request = count < kMaxReadPerCall ? count : kMaxReadPerCall;
-    ssize_t got;
-    do {
-        got = ::pread(fd, destination, request, static_cast<off_t>(offset));
-    } while (got < 0 && errno == EINTR);
-    return got;
-}
-
-// Reads until count bytes, end of file or an error; gives how many bytes arrived.
-unsigned long long PreadFully(int fd, char* destination, unsigned long long count,
-                              unsigned long long offset) {
+// Reads until count bytes, end of file or an error, at most kMaxReadPerCall bytes per read of
+// the system; gives how many bytes arrived.
+unsigned long long ReadFully(FileHandle file, char* destination, unsigned long long count,
+                             unsigned long long offset) {
     unsigned long long done = 0;
     while (done < count) {
-        ssize_t const got = PreadOnce(fd, destination + done, count - done, offset + done);
+        unsigned long long const left = count - done;
+        std::size_t const request = left < kMaxReadPerCall ? left : kMaxReadPerCall;
+        long long const got = ReadAt(file, destination + done, request, offset + done);
         if (got <= 0) {
             break;
         }
@@ -64,7 +54,7 @@ unsigned long long PreadFully(int fd, char* destination, unsigned long long coun
 
 }  // namespace
 
-FileBuffer::FileBuffer(int fd, unsigned long long size) : mFd(fd), mSize(size) {}
+FileBuffer::FileBuffer(FileHandle file, unsigned long long size) : mFile(file), mSize(size) {}
 
 FileBuffer::~FileBuffer() { CloseFile(); }
 
@@ -92,7 +82,7 @@ unsigned long long FileBuffer::Interface_Read(char* destination, unsigned long l
         std::memcpy(destination, mBytes.data() + offset, count);
         return count;
     }
-    return PreadFully(mFd, destination, count, offset);
+    return ReadFully(mFile, destination, count, offset);
 }
 
 bool FileBuffer::Interface_IsEqual(Tavrel::IDataRef* other) const {
@@ -117,10 +107,8 @@ Tavrel::IDataRef* FileBuffer::Interface_Clone() const {
 }
 
 void FileBuffer::CloseFile() {
-    if (mFd >= 0) {
-        ::close(mFd);
-        mFd = -1;
-    }
+    minihost::CloseFile(mFile);
+    mFile = kNoFile;
 }
 
 }  // namespace minihost

@@ -1,7 +1,8 @@
-// FileBuffer: a host buffer over a regular file that reads on demand with pread and never
-// holds or exposes the file's bytes, so a file larger than memory works. The size is the
-// size at open; a file that shrinks while held gives short reads (fewer bytes, never a
-// crash). After Assign the content lives in memory and the file is no longer read.
+// FileBuffer: a host buffer over a regular file that reads on demand at an offset (pread, or
+// ReadFile on Windows) and never holds or exposes the file's bytes, so a file larger than
+// memory works. The size is the size at open; a file that shrinks while held gives short
+// reads (fewer bytes, never a crash). After Assign the content lives in memory and the file
+// is no longer read.
 // It does not open files or decide which files may be read: FilePolicy does that. Reads
 // from several threads are safe; Assign must not run at the same time as anything else.
 #pragma once
@@ -9,6 +10,7 @@
 #include <string>
 
 #include "minihost/host/LiveCount.h"
+#include "minihost/host/SystemFiles.h"
 #include "object/IDataRef.h"
 #include "object/InterfaceImpl.h"
 
@@ -16,9 +18,9 @@ namespace minihost {
 
 class FileBuffer final : public InterfaceImpl<Tavrel::IDataRef> {
 public:
-    // Takes ownership of fd, an open readable descriptor of a regular file whose size is
-    // size; the descriptor is closed when the buffer is destroyed.
-    FileBuffer(int fd, unsigned long long size);
+    // Takes ownership of file, an open readable handle of a regular file whose size is
+    // size; the handle is closed when the buffer is destroyed.
+    FileBuffer(FileHandle file, unsigned long long size);
     ~FileBuffer() override;
 
     FileBuffer(FileBuffer const&) = delete;
@@ -54,7 +56,7 @@ private:
                                     unsigned long long offset) const;
     void CloseFile();
 
-    int mFd;
+    FileHandle mFile;
     unsigned long long mSize;
     bool mInMemory = false;
     std::string mBytes;

@@ -1,31 +1,18 @@
 #include "minihost/host/FilePolicy.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <sys/stat.h>
-
 #include "minihost/host/FileBuffer.h"
+#include "minihost/host/SystemFiles.h"
 
 namespace minihost {
 
 namespace {
 
-// The size of the regular file behind fd, or -1 when it is anything else.
-long long RegularFileSize(int fd) {
-    struct stat info {};
-    if (::fstat(fd, &info) != 0 || !S_ISREG(info.st_mode)) {
-        return -1;
-    }
-    return static_cast<long long>(info.st_size);
-}
-
-// Wraps fd in a FileBuffer; closes it when the buffer cannot be made.
-Tavrel::IDataRef* AdoptIntoBuffer(int fd, unsigned long long size) {
+// Wraps file in a FileBuffer; closes it when the buffer cannot be made.
+Tavrel::IDataRef* AdoptIntoBuffer(FileHandle file, unsigned long long size) {
     try {
-        return new FileBuffer(fd, size);
+        return new FileBuffer(file, size);
     } catch (...) {
-        ::close(fd);
+        CloseFile(file);
         throw;
     }
 }
@@ -37,22 +24,18 @@ Tavrel::IDataRef* FilePolicy::Interface_LoadData(Tavrel::IContext* /*context*/, 
     if (path == nullptr) {
         return nullptr;
     }
-    int const fd = OpenForReading(path);
-    if (fd < 0) {
+    FileHandle const file = OpenForReading(path);
+    if (file == kNoFile) {
         return nullptr;
     }
-    long long const size = RegularFileSize(fd);
+    long long const size = RegularFileSize(file);
     if (size < 0) {
-        ::close(fd);
+        CloseFile(file);
         return nullptr;
     }
-    return AdoptIntoBuffer(fd, static_cast<unsigned long long>(size));
+    return AdoptIntoBuffer(file, static_cast<unsigned long long>(size));
 }
 
-// NOTE: O_NONBLOCK lets a FIFO open at once instead of waiting for a writer; O_NOCTTY keeps
-// a terminal from becoming the controlling one.
-int FilePolicy::OpenForReading(char const* path) const {
-    return ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
-}
+FileHandle FilePolicy::OpenForReading(char const* path) const { return OpenFileForReading(path); }
 
 }  // namespace minihost

@@ -2,7 +2,12 @@
 
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
 #include <windows.h>
+
+#include "minihost/host/WindowsText.h"
 #else
 #include <dlfcn.h>
 #endif
@@ -20,27 +25,26 @@ std::string InCurrentDirectory(std::string const& path) {
 
 #if defined(_WIN32)
 
-// The text of the thread's last Windows error, without its line end.
-std::string LastErrorText() {
-    DWORD const code = ::GetLastError();
-    char* text = nullptr;
-    DWORD const length = ::FormatMessageA(
-        FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS,
-        nullptr, code, 0, reinterpret_cast<char*>(&text), 0, nullptr);
-    std::string why = length != 0 ? std::string(text, length) : "error " + std::to_string(code);
-    ::LocalFree(text);
-    while (!why.empty() && (why.back() == '\n' || why.back() == '\r' || why.back() == ' ')) {
-        why.pop_back();
+// path (UTF-8) as a full path with backslashes, or false with why set.
+// NOTE: LoadLibrary takes a path with slashes for a bare name, and with
+// LOAD_WITH_ALTERED_SEARCH_PATH a relative path has no defined meaning; a full path names
+// the one file.
+bool FullLibraryPath(std::string const& path, std::wstring& full, std::string& why) {
+    std::wstring wide;
+    if (!Utf8ToWide(path, wide)) {
+        why = "the path is no UTF-8 text";
+        return false;
     }
-    return why;
-}
-
-// NOTE: LoadLibrary wants backslashes; a path with slashes is taken as a bare name.
-std::string WithBackslashes(std::string path) {
-    for (char& c : path) {
-        c = c == '/' ? '\\' : c;
+    DWORD const needed = ::GetFullPathNameW(wide.c_str(), 0, nullptr, nullptr);
+    full.assign(needed, L'\0');
+    DWORD const length =
+        needed == 0 ? 0 : ::GetFullPathNameW(wide.c_str(), needed, full.data(), nullptr);
+    if (length == 0 || length >= needed) {
+        why = SystemErrorText(::GetLastError());
+        return false;
     }
-    return path;
+    full.resize(length);
+    return true;
 }
 
 #endif
@@ -49,11 +53,20 @@ std::string WithBackslashes(std::string path) {
 
 #if defined(_WIN32)
 
+// NOTE: the path is UTF-8, as every path of minihost on Windows. The system is told to
+// answer a broken module with an error code instead of a dialog box that waits for a click.
 void* OpenSharedLibrary(std::string const& path, std::string& why) {
-    HMODULE const library = ::LoadLibraryExA(WithBackslashes(InCurrentDirectory(path)).c_str(),
-                                             nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    std::wstring full;
+    if (!FullLibraryPath(InCurrentDirectory(path), full, why)) {
+        return nullptr;
+    }
+    DWORD previousMode = 0;
+    ::SetThreadErrorMode(SEM_FAILCRITICALERRORS, &previousMode);
+    HMODULE const library = ::LoadLibraryExW(full.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    DWORD const error = ::GetLastError();
+    ::SetThreadErrorMode(previousMode, nullptr);
     if (library == nullptr) {
-        why = LastErrorText();
+        why = SystemErrorText(error);
     }
     return static_cast<void*>(library);
 }

@@ -11,6 +11,8 @@ namespace minihost {
 // program; null with why set to the loader's own words when it cannot. A path without a
 // directory names a file in the current directory, never one found on the library path.
 //   "/no/such.so" => null, why "...: cannot open shared object file: No such file..."
+//   Windows: the path is UTF-8; why is the system's words for the error
+//   ("The specified module could not be found.", wine: "Module not found.")
 void* OpenSharedLibrary(std::string const& path, std::string& why);
 
 // The address of the exported name in library, or null.

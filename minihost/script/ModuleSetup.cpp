@@ -1,23 +1,26 @@
 #include "minihost/script/ModuleSetup.h"
 
-#include <unistd.h>
-
-#include <sys/stat.h>
 #include <utility>
 
+#include "minihost/host/SystemFiles.h"
 #include "minihost/script/DefinitionText.h"
+#include "minihost/script/ProgramSystem.h"
 
 namespace minihost {
 
 namespace {
 
-constexpr char const* kInstalledModule = "/../lib/tavrel/modules/Binary.so";
-constexpr char const* kBuildTreeModule = "/../module/Binary.so";
-
-bool IsFile(std::string const& path) {
-    struct stat info {};
-    return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
-}
+// The module's directory relative to the program's, installed and in the build tree, and the
+// bytes that separate the components of a path as a user writes it.
+#if defined(_WIN32)
+constexpr char const* kInstalledDirectory = "\\..\\lib\\tavrel\\modules\\";
+constexpr char const* kBuildTreeDirectory = "\\..\\module\\";
+constexpr char const* kSeparators = "/\\";
+#else
+constexpr char const* kInstalledDirectory = "/../lib/tavrel/modules/";
+constexpr char const* kBuildTreeDirectory = "/../module/";
+constexpr char const* kSeparators = "/";
+#endif
 
 // Every entry that the definition text names must be one the module exports.
 bool CheckEntries(LoadedModule const& module, FunctionTable const& table, std::string& error) {
@@ -34,23 +37,18 @@ bool CheckEntries(LoadedModule const& module, FunctionTable const& table, std::s
 }  // namespace
 
 std::vector<std::string> DefaultModuleCandidates(std::string const& programDirectory) {
-    return {programDirectory + kInstalledModule, programDirectory + kBuildTreeModule};
+    return {programDirectory + kInstalledDirectory + kDefaultModuleFile,
+            programDirectory + kBuildTreeDirectory + kDefaultModuleFile};
 }
 
 std::string ProgramDirectory() {
-    std::string buffer(4096, '\0');
-    ssize_t const length = ::readlink("/proc/self/exe", buffer.data(), buffer.size());
-    if (length <= 0 || static_cast<std::size_t>(length) >= buffer.size()) {
-        return "";
-    }
-    buffer.resize(static_cast<std::size_t>(length));
-    std::size_t const slash = buffer.rfind('/');
-    return slash == std::string::npos ? "" : buffer.substr(0, slash == 0 ? 1 : slash);
+    std::string const path = ProgramPath();
+    return path.empty() ? "" : DirectoryOf(path);
 }
 
 std::string FindDefaultModule(std::vector<std::string> const& candidates) {
     for (std::string const& candidate : candidates) {
-        if (IsFile(candidate)) {
+        if (KindOfPath(candidate) == PathKind::kRegularFile) {
             return candidate;
         }
     }
@@ -74,7 +72,7 @@ bool OpenModule(std::string const& path, ReadyModule& ready, std::string& error)
 }
 
 std::string ModuleName(std::string const& path) {
-    std::size_t const slash = path.rfind('/');
+    std::size_t const slash = path.find_last_of(kSeparators);
     std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
     std::size_t const dot = name.rfind('.');
     return dot == std::string::npos || dot == 0 ? name : name.substr(0, dot);

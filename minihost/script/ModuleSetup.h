@@ -12,13 +12,23 @@
 
 namespace minihost {
 
+// The file name of the module that minihost runs by default.
+#if defined(_WIN32)
+inline constexpr char kDefaultModuleFile[] = "Binary.dll";
+#else
+inline constexpr char kDefaultModuleFile[] = "Binary.so";
+#endif
+
 // Where the module is looked for when no --module is given, in this order, for a program at
 // <dir>/minihost: the installed layout, then the build tree.
 //   "/usr/local/bin" => {"/usr/local/bin/../lib/tavrel/modules/Binary.so",
 //                        "/usr/local/bin/../module/Binary.so"}
+//   Windows: "C:\m\bin" => {"C:\m\bin\..\lib\tavrel\modules\Binary.dll",
+//                        "C:\m\bin\..\module\Binary.dll"}
 std::vector<std::string> DefaultModuleCandidates(std::string const& programDirectory);
 
-// The directory of the running program (from /proc/self/exe), or "" when it cannot be read.
+// The directory of the running program (ProgramPath: /proc/self/exe, GetModuleFileNameW on
+// Windows), or "" when it cannot be read.
 std::string ProgramDirectory();
 
 // The first candidate that exists; "" when none does.
@@ -40,6 +50,7 @@ bool OpenModule(std::string const& path, ReadyModule& ready, std::string& error)
 
 // The module's name: the file name of path without its extension.
 //   "/x/Binary.so" => "Binary";  "Binary" => "Binary";  "/x/a.b.so" => "a.b"
+//   Windows, where "\" separates too: "C:\x\Binary.dll" => "Binary"
 std::string ModuleName(std::string const& path);
 
 }  // namespace minihost

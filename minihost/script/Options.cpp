@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "minihost/script/ModuleSetup.h"
+
 namespace minihost {
 
 namespace {
@@ -140,6 +142,7 @@ bool ParseOptions(int argc, char const* const* argv, Options& options, std::stri
 }
 
 std::string HelpText() {
+    std::string const module = kDefaultModuleFile;
     return R"(Usage: minihost [OPTION]... [SCRIPT.tvl]
        minihost [OPTION]... -e STATEMENTS
        minihost --describe [--module PATH]
@@ -153,8 +156,10 @@ Options:
   --describe             print the module's name, versions, state, platforms, dependencies
                          and its script functions as its definition text gives them; exit
   --module PATH          load the module from PATH instead of the one installed beside the
-                         program (<prefix>/lib/tavrel/modules/Binary.so, or in the build
-                         tree ../module/Binary.so)
+                         program (<prefix>/lib/tavrel/modules/)" +
+           module + R"(, or in the build
+                         tree ../module/)" +
+           module + R"()
   --strict               stop at the first error report from the module
   --allow DIR            let Binary.MapFile read files under DIR as well (repeatable); by
                          default it reads only under the script's directory and the

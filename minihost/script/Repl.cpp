@@ -1,15 +1,21 @@
 #include "minihost/script/Repl.h"
 
+#include <cstdio>
+#include <iostream>
+#include <string>
+
+#if defined(TAVREL_HAVE_READLINE)
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
-#include <iostream>
 #include <memory>
 #include <readline/history.h>
 #include <readline/readline.h>
-#include <string>
+#else
+#include <chrono>
+#include <thread>
+#endif
 
 #include "minihost/script/Interruption.h"
 
@@ -18,6 +24,8 @@ namespace minihost {
 namespace {
 
 constexpr char const* kPrompt = "tvl> ";
+
+#if defined(TAVREL_HAVE_READLINE)
 
 Context* gPromptContext = nullptr;
 
@@ -42,8 +50,18 @@ int InterruptibleGetc(FILE* stream) {
     }
 }
 
-// One line from the prompt; false at end of input.
-bool ReadLine(std::string& line) {
+void StartPrompt(Context& context) {
+    gPromptContext = &context;
+    // NOTE: readline must not install its own SIGINT handler: ours sets the flag, and the
+    // reading function above turns it into an empty line.
+    rl_catch_signals = 0;
+    rl_getc_function = &InterruptibleGetc;
+}
+
+void EndPrompt() { gPromptContext = nullptr; }
+
+// One line from the prompt, with line editing and history; false at end of input.
+bool ReadLine(std::string& line, Context& /*context*/) {
     std::unique_ptr<char, decltype(&std::free)> text(readline(kPrompt), &std::free);
     if (!text) {
         return false;
@@ -55,27 +73,74 @@ bool ReadLine(std::string& line) {
     return true;
 }
 
+#else
+
+// The end-of-input line of a Windows console: Ctrl-Z, then Enter.
+constexpr char kEndOfInput = '\x1a';
+
+void StartPrompt(Context& /*context*/) {}
+
+void EndPrompt() {}
+
+// Whether a read that gave nothing was cut short by Ctrl-C rather than ended.
+// NOTE: on Windows the Ctrl-C handler runs on a thread of its own and may set the flag only
+// after the console read has returned, so the flag is awaited for a moment.
+bool CutShortByCtrlC(Context const& context) {
+    auto const deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(200);
+    while (!context.Interface_IsInterrupted()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+    return true;
+}
+
+// One plain line from standard input, without line editing; false at end of input. A Ctrl-C
+// drops what was typed and shows a fresh prompt.
+// NOTE: a console that does not cut its read short at Ctrl-C (wine's) still sets the flag;
+// the line that then ends with Enter is dropped as well.
+bool ReadLine(std::string& line, Context& context) {
+    std::cout << kPrompt << std::flush;
+    while (true) {
+        bool const got = static_cast<bool>(std::getline(std::cin, line));
+        if (!(got ? context.Interface_IsInterrupted() : CutShortByCtrlC(context))) {
+            if (!got) {
+                return false;
+            }
+            break;
+        }
+        std::cin.clear();
+        std::clearerr(stdin);
+        context.ClearInterrupt();
+        ArmInterruption(context);
+        std::cout << '\n' << kPrompt << std::flush;
+    }
+    if (!line.empty() && line.back() == '\r') {
+        line.pop_back();
+    }
+    return line.empty() || line.front() != kEndOfInput;
+}
+
+#endif
+
 }  // namespace
 
 int RunPrompt(Interpreter& interpreter, Context& context) {
-    gPromptContext = &context;
-    // NOTE: readline must not install its own SIGINT handler: ours sets the flag, and the
-    // reading function above turns it into an empty line.
-    rl_catch_signals = 0;
-    rl_getc_function = &InterruptibleGetc;
+    StartPrompt(context);
     std::string line;
     int lineNumber = 1;
     while (true) {
         context.ClearInterrupt();
         ArmInterruption(context);
-        if (!ReadLine(line)) {
+        if (!ReadLine(line, context)) {
             break;
         }
         interpreter.Run(line, "stdin", lineNumber++);
     }
     // End the prompt's line, so the shell's prompt starts on a fresh one.
     std::cout << std::endl;
-    gPromptContext = nullptr;
+    EndPrompt();
     return 0;
 }
 

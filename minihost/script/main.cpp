@@ -2,25 +2,21 @@
 // a script file, statements given with -e, a script from standard input, or an interactive
 // prompt; or describes the module. See HelpText() in minihost/script/Options.cpp for the
 // options.
-#include <fcntl.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 #include <exception>
 #include <iostream>
 #include <string>
-#include <sys/stat.h>
 #include <vector>
 
 #include "minihost/host/Context.h"
+#include "minihost/host/SandboxPolicy.h"
+#include "minihost/host/SystemFiles.h"
 #include "minihost/script/Describe.h"
 #include "minihost/script/Interpreter.h"
 #include "minihost/script/Interruption.h"
 #include "minihost/script/ModuleSetup.h"
 #include "minihost/script/Options.h"
+#include "minihost/script/ProgramSystem.h"
 #include "minihost/script/Repl.h"
-#include "minihost/host/SandboxPolicy.h"
 
 namespace {
 
@@ -31,41 +27,6 @@ constexpr int kExitFailed = static_cast<int>(RunStatus::kFailed);
 int Fail(std::string const& message) {
     std::cerr << "minihost: " << message << '\n';
     return kExitFailed;
-}
-
-// All bytes of the file open as fd; false with error set.
-bool ReadAll(int fd, std::string& text, std::string& error) {
-    char block[65536];
-    while (true) {
-        ssize_t const n = ::read(fd, block, sizeof block);
-        if (n > 0) {
-            text.append(block, static_cast<std::size_t>(n));
-        } else if (n == 0) {
-            return true;
-        } else if (errno != EINTR) {
-            error = std::strerror(errno);
-            return false;
-        }
-    }
-}
-
-bool ReadScript(std::string const& path, std::string& text, std::string& error) {
-    int const fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        error = std::strerror(errno);
-        return false;
-    }
-    bool const ok = ReadAll(fd, text, error);
-    ::close(fd);
-    return ok;
-}
-
-std::string DirectoryOf(std::string const& path) {
-    std::size_t const slash = path.rfind('/');
-    if (slash == std::string::npos) {
-        return ".";
-    }
-    return slash == 0 ? "/" : path.substr(0, slash);
 }
 
 // The module given with --module, or the one beside the program.
@@ -100,9 +61,8 @@ bool MakePolicy(Options const& options, Tavrel::AutoRefPtr<Tavrel::IPolicy>& pol
     }
     for (std::string const& directory : options.allow) {
         std::string resolved;
-        struct stat info {};
-        if (!ResolveRealPath("", directory, resolved) || ::stat(resolved.c_str(), &info) != 0 ||
-            !S_ISDIR(info.st_mode)) {
+        if (!ResolveRealPath("", directory, resolved) ||
+            KindOfPath(resolved) != PathKind::kDirectory) {
             error = "--allow: '" + directory + "' is not a directory";
             return false;
         }
@@ -123,14 +83,14 @@ bool ScriptText(Options const& options, std::string& text, std::string& name, st
     }
     if (options.mode == Mode::kScript) {
         name = options.scriptPath;
-        if (!ReadScript(options.scriptPath, text, error)) {
+        if (!ReadWholeFile(options.scriptPath, text, error)) {
             error = "cannot read script '" + options.scriptPath + "': " + error;
             return false;
         }
         return true;
     }
     name = "stdin";
-    if (!ReadAll(STDIN_FILENO, text, error)) {
+    if (!ReadStandardInput(text, error)) {
         error = "cannot read standard input: " + error;
         return false;
     }
@@ -140,7 +100,7 @@ bool ScriptText(Options const& options, std::string& text, std::string& name, st
 // Runs the script, the -e statements, standard input or the prompt.
 int RunScripts(Options const& options, ReadyModule& ready, Context& context) {
     InterpreterSettings const settings{
-        options.strict, options.mode == Mode::kStandardIn && ::isatty(STDIN_FILENO) == 1};
+        options.strict, options.mode == Mode::kStandardIn && StandardInputIsTerminal()};
     Interpreter interpreter(*ready.module, ready.table, context, std::cout, std::cerr, settings);
     if (settings.echo) {
         return RunPrompt(interpreter, context);
@@ -157,10 +117,15 @@ int RunScripts(Options const& options, ReadyModule& ready, Context& context) {
     return status;
 }
 
-int Main(int argc, char** argv) {
+int Main(std::vector<std::string> const& arguments) {
+    std::vector<char const*> argv;
+    argv.reserve(arguments.size());
+    for (std::string const& argument : arguments) {
+        argv.push_back(argument.c_str());
+    }
     Options options;
     std::string error;
-    if (!ParseOptions(argc, argv, options, error)) {
+    if (!ParseOptions(static_cast<int>(argv.size()), argv.data(), options, error)) {
         return Fail(error + "\nTry 'minihost --help'.");
     }
     if (options.mode == Mode::kHelp) {
@@ -190,7 +155,8 @@ int Main(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     try {
-        return Main(argc, argv);
+        UseBinaryStandardStreams();
+        return Main(ProgramArguments(argc, argv));
     } catch (std::exception const& exception) {
         return Fail(std::string("stopped: ") + exception.what());
     }

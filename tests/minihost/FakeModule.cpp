@@ -6,7 +6,11 @@
 #include "host/IModuleInfo.h"
 #include "host/IVariant.h"
 
+#if defined(_WIN32)
+#define FAKE_EXPORT extern "C" __declspec(dllexport)
+#else
 #define FAKE_EXPORT extern "C" __attribute__((visibility("default")))
+#endif
 
 #ifdef FAKE_MODULE_PARTIAL
 // NOTE: the names come through the macros below fully expanded, so these three are defined

@@ -6,6 +6,10 @@
 #include "minihost/host/ModuleLoader.h"
 #include "testing/TestFiles.h"
 
+#if defined(_WIN32)
+#include "minihost/host/WindowsText.h"
+#endif
+
 namespace minihost {
 namespace {
 
@@ -13,6 +17,15 @@ using tavrel_testing::TempDir;
 
 std::string const kFullModule = MINIHOST_FAKE_MODULE_FULL;
 std::string const kPartialModule = MINIHOST_FAKE_MODULE_PARTIAL;
+
+// What the system's loader says of a missing file and of a file that is no shared library.
+#if defined(_WIN32)
+std::string const kNoSuchFile = SystemErrorText(126);   // ERROR_MOD_NOT_FOUND
+std::string const kNotALibrary = SystemErrorText(193);  // ERROR_BAD_EXE_FORMAT
+#else
+std::string const kNoSuchFile = "No such file";
+std::string const kNotALibrary = "ELF";
+#endif
 
 TEST(LoadedModule, RefusesWhatCannotBeOpenedAndNamesThePath) {
     TempDir dir;
@@ -25,8 +38,8 @@ TEST(LoadedModule, RefusesWhatCannotBeOpenedAndNamesThePath) {
     } const rows[] = {
         {"", "cannot open module '': no path given", ""},
         {withNul, "cannot open module '" + withNul + "': the path holds a NUL byte", ""},
-        {"/no/such/module.so", "cannot open module '/no/such/module.so': ", "No such file"},
-        {notElf, "cannot open module '" + notElf + "': ", "ELF"},
+        {"/no/such/module.so", "cannot open module '/no/such/module.so': ", kNoSuchFile},
+        {notElf, "cannot open module '" + notElf + "': ", kNotALibrary},
         {dir.Root(), "cannot open module '" + dir.Root() + "': ", ""},
         {kPartialModule,
          "module '" + kPartialModule + "' lacks 3 of the 28 names: GetState, " +
@@ -70,8 +83,8 @@ TEST(LoadedModule, ResolvesEveryNameToItsOwnFunction) {
     // A bare file name means a file in the current directory, not a library search.
     std::filesystem::path const before = std::filesystem::current_path();
     std::filesystem::current_path(std::filesystem::path(kFullModule).parent_path());
-    bool const loaded =
-        LoadedModule::Load(std::filesystem::path(kFullModule).filename(), error) != nullptr;
+    bool const loaded = LoadedModule::Load(std::filesystem::path(kFullModule).filename().string(),
+                                           error) != nullptr;
     std::filesystem::current_path(before);
     EXPECT_TRUE(loaded) << error;
 }

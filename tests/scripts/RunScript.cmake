@@ -4,6 +4,9 @@
 # file exists; standard input is <case>.in when it exists, else empty. The program runs in the
 # cases directory, so messages name files as the case wrote them.
 #   cmake -DMINIHOST=<program> -DCASES=<dir> -DCASE=<name> -DWORK=<dir> -P RunScript.cmake
+# -DEMULATOR=<program> runs minihost through it (wine, when cross-compiling for Windows).
+# -DPLATFORM=<name> (linux, windows) prefers <case>.<name>.out (.err, .status) to <case>.out
+# where that file exists: for text that the system gives, such as the loader's words.
 # -DFAKE_PARTIAL=<path> and -DFAKE_FULL=<path> stand for @FAKE_PARTIAL@ and @FAKE_FULL@ in the
 # arguments, and the paths are written back as those names in what the program gave.
 # With -DUPDATE=ON it writes what the program gave into the expected files instead.
@@ -32,7 +35,7 @@ if(EXISTS ${base}.in)
   set(input ${base}.in)
 endif()
 
-execute_process(COMMAND ${MINIHOST} ${arguments}
+execute_process(COMMAND ${EMULATOR} ${MINIHOST} ${arguments}
   WORKING_DIRECTORY ${CASES}
   INPUT_FILE ${input}
   OUTPUT_VARIABLE actual_out
@@ -49,6 +52,9 @@ endforeach()
 set(failed FALSE)
 foreach(stream out err status)
   set(expected_file ${base}.${stream})
+  if(PLATFORM AND EXISTS ${base}.${PLATFORM}.${stream})
+    set(expected_file ${base}.${PLATFORM}.${stream})
+  endif()
   set(actual_file ${WORK}/${CASE}.${stream}.actual)
   file(WRITE ${actual_file} "${actual_${stream}}")
   if(UPDATE)
