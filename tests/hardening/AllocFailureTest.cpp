@@ -160,7 +160,8 @@ class AllocFailure : public testing::Test {
 protected:
     void SetUp() override {
         if (!CountingAllocator::Active()) {
-            GTEST_SKIP() << "sanitizers replace operator new themselves";
+            GTEST_SKIP() << "the module does not allocate through this program's operator new "
+                            "(sanitizers replace it; on Windows the module has its own runtime)";
         }
     }
 };

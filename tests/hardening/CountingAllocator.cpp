@@ -13,7 +13,7 @@ std::atomic<long> gLive{0};
 std::atomic<long> gFailAt{0};  // the call number that fails; 0: none
 std::atomic<bool> gFired{false};
 
-#ifndef TAVREL_SANITIZED
+#ifndef TAVREL_ALLOCATOR_NOT_SHARED
 // The one allocation routine behind every form of operator new.
 void* Allocate(std::size_t size) {
     long const call = gCalls.fetch_add(1) + 1;
@@ -40,7 +40,7 @@ void Free(void* block) noexcept {
 
 }  // namespace
 
-#ifdef TAVREL_SANITIZED
+#ifdef TAVREL_ALLOCATOR_NOT_SHARED
 bool CountingAllocator::Active() { return false; }
 #else
 bool CountingAllocator::Active() { return true; }
@@ -61,7 +61,7 @@ bool CountingAllocator::Fired() { return gFired.load(); }
 
 }  // namespace tavrel_testing
 
-#ifndef TAVREL_SANITIZED
+#ifndef TAVREL_ALLOCATOR_NOT_SHARED
 // NOTE: only these are replaced. The standard library's own array and nothrow forms call them,
 // so every allocation and release of the program and the module comes here.
 void* operator new(std::size_t size) { return tavrel_testing::Allocate(size); }

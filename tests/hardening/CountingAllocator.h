@@ -2,8 +2,9 @@
 // form without an alignment argument calls. They count the calls and the blocks alive, and
 // can be armed so that one chosen call fails with std::bad_alloc. The program must export
 // them (ENABLE_EXPORTS) so that a module loaded with dlopen allocates through them as well.
-// Built with sanitizers (TAVREL_SANITIZED) nothing is replaced, since the sanitizers replace
-// operator new themselves; Active() then says false and the counts stay 0.
+// Where the module cannot share the program's operator new (TAVREL_ALLOCATOR_NOT_SHARED: the
+// sanitizers replace it themselves; on Windows the module links its own C++ runtime) nothing
+// is replaced; Active() then says false and the counts stay 0.
 #pragma once
 
 namespace tavrel_testing {
@@ -12,7 +13,7 @@ namespace tavrel_testing {
 // static.
 class CountingAllocator {
 public:
-    // Whether the replacement is in this program.   built with sanitizers => false
+    // Whether the replacement is in this program.   sanitizers or Windows => false
     static bool Active();
 
     // Blocks from operator new not yet given back.
