@@ -107,7 +107,7 @@ bool ReadWholeFile(std::string const& path, std::string& text, std::string& erro
         return false;
     }
     bool const ok = ReadStream(file, text, error);
-    std::fclose(file);
+    (void)std::fclose(file);
     return ok;
 }
 
