@@ -1,0 +1,60 @@
+"""The summary line, the counts per operator and the report file of survivors.
+
+The report names the run (seed, sample size, commit), gives the counts per operator, then
+every survivor with its place, the change and the source line, so that each can be sorted
+into an equivalent mutant or a gap in the tests. A second file, results.tsv, holds one line
+per mutant with its outcome and the tests that failed, for finding which test kills what.
+"""
+
+from collections import Counter
+
+from .operators import OPERATORS
+from .run import KILLED, SURVIVED, NOT_COMPILED, SAME_CODE
+
+OUTCOMES = (KILLED, SURVIVED, NOT_COMPILED, SAME_CODE)
+
+
+def kill_line(results):
+    killed = sum(r.outcome == KILLED for r in results)
+    judged = killed + sum(r.outcome == SURVIVED for r in results)
+    rate = 100.0 * killed / judged if judged else 0.0
+    return f"killed {killed} of {judged} mutants ({rate:.1f}%)"
+
+
+def counts_table(results):
+    counts = Counter((r.mutant.operator, r.outcome) for r in results)
+    rows = [f"{'operator':12}" + "".join(f"{o:>14}" for o in OUTCOMES)]
+    for operator in OPERATORS:
+        if any(counts[(operator, o)] for o in OUTCOMES):
+            rows.append(f"{operator:12}" + "".join(f"{counts[(operator, o)]:>14}"
+                                                  for o in OUTCOMES))
+    rows.append(f"{'all':12}" + "".join(f"{sum(r.outcome == o for r in results):>14}"
+                                         for o in OUTCOMES))
+    return "\n".join(rows)
+
+
+def place(mutant):
+    return f"{mutant.path}:{mutant.line}:{mutant.col}"
+
+
+def source_line(src, mutant):
+    return (src / mutant.path).read_text().splitlines()[mutant.line - 1].strip()
+
+
+def write_report(path, header, results, src):
+    survivors = sorted((r for r in results if r.outcome == SURVIVED), key=lambda r: r.mutant.key())
+    lines = [*header, "", kill_line(results), "", counts_table(results), "",
+             f"survivors ({len(survivors)}):"]
+    for r in survivors:
+        lines.append(f"{place(r.mutant)}  {r.mutant.operator}  {r.mutant.change()}")
+        lines.append(f"    {source_line(src, r.mutant)}")
+    path.write_text("\n".join(lines) + "\n")
+
+
+def write_results(path, results):
+    lines = ["outcome\tplace\toperator\tchange\tfailed tests\tbuild s\ttest s"]
+    for r in sorted(results, key=lambda r: r.mutant.key()):
+        tests = ",".join(r.failed_tests) + (" (time limit)" if r.timed_out else "")
+        lines.append(f"{r.outcome}\t{place(r.mutant)}\t{r.mutant.operator}\t{r.mutant.change()}"
+                     f"\t{tests}\t{r.build_seconds:.1f}\t{r.test_seconds:.1f}")
+    path.write_text("\n".join(lines) + "\n")
