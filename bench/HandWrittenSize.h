@@ -10,9 +10,14 @@
 
 namespace bench {
 
+// NOTE: visible outside the shared object it is built into, so that bench/SizeCalls.cpp can
+// call it in the copy of the module that holds it too (bench/CMakeLists.txt).
 // count < 1 => 65537 and the number 0; a null or non-DATAREF first argument => 65538 and
 // the number 0; a DATAREF holding null => one report and the number 0; otherwise the size.
-unsigned int HandWrittenSize(int count, Tavrel::IVariant** arguments, Tavrel::IVariant* result,
-                             Tavrel::IModuleInfo* info, Tavrel::IContext* context);
+__attribute__((visibility("default"))) unsigned int HandWrittenSize(int count,
+                                                                    Tavrel::IVariant** arguments,
+                                                                    Tavrel::IVariant* result,
+                                                                    Tavrel::IModuleInfo* info,
+                                                                    Tavrel::IContext* context);
 
 }  // namespace bench

@@ -1,14 +1,16 @@
 #!/usr/bin/env bash
 # Builds the benchmark suite (preset bench: Release, -O2, build/bench), runs it and prints one
 # table: each figure of the module, its baseline measured in the same run, the ratio, the
-# target, and whether it is met. Exit status 0 when every target is met.
+# target, and whether it is met; beside the time of the Size entry, its instructions per call
+# (bench/instructions.sh). Exit status 0 when every target is met.
+# TAVREL_STRINGS_PATH=portable (or sse2, avx2) runs the string library on that path.
 #
 #   bench/run.sh            the full run: 9 repetitions, randomly interleaved, medians
 #   bench/run.sh --smoke    every benchmark once with a very short minimum time, only to show
 #                           that they build and run and give the bytes they should (for CI)
 #
-# Needs Debian's libbenchmark-dev and libabsl-dev (apt-get install libbenchmark-dev
-# libabsl-dev); the configure step names the package when one is missing.
+# Needs Debian's libbenchmark-dev (apt-get install libbenchmark-dev), and valgrind for the
+# instruction counts; the configure step names the package when one is missing.
 set -euo pipefail
 
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
@@ -21,7 +23,7 @@ case "${1:-}" in
   *) echo "usage: bench/run.sh [--smoke]" >&2; exit 2 ;;
 esac
 
-for package in libbenchmark-dev libabsl-dev; do
+for package in libbenchmark-dev; do
   if ! dpkg -s "$package" >/dev/null 2>&1; then
     if [ "$(id -u)" = 0 ]; then
       echo "bench/run.sh: installing Debian's $package" >&2
@@ -57,4 +59,13 @@ fi
 run_suite --benchmark_repetitions=9 --benchmark_min_time=0.25 \
   --benchmark_enable_random_interleaving=true --benchmark_report_aggregates_only=true
 echo "Machine: $(lscpu | sed -n 's/^Model name: *//p'), $(nproc) cores"
-exec python3 bench/table.py "$out"
+# The instructions of the Size entry beside the hand-written one (needs valgrind); without
+# valgrind the table goes without that row.
+counts=()
+if command -v valgrind >/dev/null 2>&1; then
+  bench/instructions.sh
+  counts=(build/bench/instructions.json)
+else
+  echo "bench/run.sh: valgrind is missing, so no instruction counts (apt-get install valgrind)" >&2
+fi
+exec python3 bench/table.py "$out" "${counts[@]}"

@@ -3,16 +3,21 @@
 // StringReferences. Besides agreeing with the references, escaping must round-trip, the
 // in-place and output forms must agree, out-parameters must be cleared or left alone as
 // their contracts say, and nothing may touch memory it was not given (the sanitizers watch).
+// Each input is checked on every instruction-set path the processor has (strings/Dispatch.h),
+// or only on the one that TAVREL_STRINGS_PATH names, when it is set.
 #include <cstdint>
+#include <cstdlib>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <list>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "fuzz/FuzzCheck.h"
 #include "strings/Case.h"
 #include "strings/Compare.h"
+#include "strings/Dispatch.h"
 #include "strings/Escape.h"
 #include "strings/Replace.h"
 #include "strings/Search.h"
@@ -24,9 +29,18 @@
 namespace {
 
 namespace ref = tavrel_testing::reference;
-using tavrel_testing::Require;
 
-constexpr std::size_t kMaxText = 512;
+// The path the checks run on, named in every broken rule.
+char const* gPathName = "";
+
+void Require(bool holds, char const* rule, char const* where) {
+    if (!holds) {
+        tavrel_testing::Fail(rule, std::string(where) + " on the " + gPathName + " path");
+    }
+}
+
+// Long enough for several blocks of 256 bytes, which the fast paths take at once.
+constexpr std::size_t kMaxText = 2048;
 constexpr std::size_t kMaxPiece = 8;
 
 // Everything one input chooses.
@@ -268,20 +282,34 @@ void CheckSplit(Inputs const& in) {
     Require(pieces == ref::Split(in.text, in.from, false), "the whole text splits", "SplitString");
 }
 
+// The paths each input is checked on: the one chosen at start when TAVREL_STRINGS_PATH names
+// one, every available one otherwise.
+std::vector<Tavrel::StringsPath> const& PathsToCheck() {
+    static std::vector<Tavrel::StringsPath> const paths =
+        std::getenv("TAVREL_STRINGS_PATH") != nullptr
+            ? std::vector<Tavrel::StringsPath>{Tavrel::ActiveStringsPath()}
+            : Tavrel::AvailableStringsPaths();
+    return paths;
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     FuzzedDataProvider input(data, size);
     Inputs const in = ReadInputs(input);
-    CheckStrnStr(in);
-    CheckFindCaseInsensitive(in);
-    CheckReplaceAll(in);
-    CheckCompare(in);
-    CheckValidation(in);
-    CheckEscaping(in);
-    CheckNonPrint(in);
-    CheckTrim(in);
-    CheckCase(in);
-    CheckSplit(in);
+    for (Tavrel::StringsPath const path : PathsToCheck()) {
+        gPathName = Tavrel::StringsPathName(path);
+        Require(Tavrel::UseStringsPath(path), "an available path can be used", "UseStringsPath");
+        CheckStrnStr(in);
+        CheckFindCaseInsensitive(in);
+        CheckReplaceAll(in);
+        CheckCompare(in);
+        CheckValidation(in);
+        CheckEscaping(in);
+        CheckNonPrint(in);
+        CheckTrim(in);
+        CheckCase(in);
+        CheckSplit(in);
+    }
     return 0;
 }

@@ -22,11 +22,11 @@
 // kind:       "CONST_FUNCTION" or "FUNCTION".
 // scriptName: the name scripts call, as a string literal.
 // function:   the typed function in the global namespace.
-#define TAVREL_MODULE_ENTRY(definition, index, kind, scriptName, function)                   \
-    extern "C" TAVREL_EXPORT unsigned int tavrel_module_##function(                          \
-        int count, Tavrel::IVariant** arguments, Tavrel::IVariant* result,                   \
-        Tavrel::IModuleInfo* info, Tavrel::IContext* context) {                              \
-        return Tavrel::CallEntry(&function, count, arguments, result, info, context);        \
-    }                                                                                        \
-    char dummy##index = Tavrel::AppendDefinition(                                             \
+#define TAVREL_MODULE_ENTRY(definition, index, kind, scriptName, function)            \
+    extern "C" TAVREL_EXPORT unsigned int tavrel_module_##function(                   \
+        int count, Tavrel::IVariant** arguments, Tavrel::IVariant* result,            \
+        Tavrel::IModuleInfo* info, Tavrel::IContext* context) {                       \
+        return Tavrel::CallEntry(&function, count, arguments, result, info, context); \
+    }                                                                                 \
+    __attribute__((used)) char dummy##index = Tavrel::AppendDefinition(               \
         definition, &function, kind, " " scriptName " (", ") : tavrel_module_" #function)

@@ -57,8 +57,9 @@ std::string const kReason_NoBinaryDataGiven = "No binary data given!";
 
 extern "C" {
 
-// Hidden: a host that looks it up by name does not find it.
-char const* GetTavrelModuleName() { return "Binary"; }
+// Hidden: a host that looks it up by name does not find it. NOTE: marked used, since nothing
+// in the module calls it and link-time optimisation would drop it.
+__attribute__((used)) char const* GetTavrelModuleName() { return "Binary"; }
 
 #define TAVREL_TEXT(function, text) \
     TAVREL_EXPORT char const* function() { return text; }

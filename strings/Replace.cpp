@@ -1,16 +1,13 @@
 #include "strings/Replace.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <functional>
-#include <new>
 #include <string_view>
 
-#if defined(__SSE2__) && !defined(TAVREL_STRINGS_NO_SIMD)
-#include <emmintrin.h>
-#define TAVREL_REPLACE_SSE2 1
-#endif
+#include "strings/Kernels.h"
 
 namespace Tavrel {
 
@@ -26,20 +23,14 @@ bool PointsInto(std::string const& text, char const* bytes) {
     return !before(bytes, begin) && before(bytes, begin + text.size());
 }
 
-// Whether from (at least one byte) occurs at at. A plain loop: candidates are rare, and short
-// compares are cheaper inline than through a call.
-bool OccursAt(char const* at, std::string_view const& from) {
-    for (std::size_t k = 0; k < from.size(); ++k) {
-        if (at[k] != from[k]) {
-            return false;
-        }
-    }
-    return true;
-}
-
-// Copies n bytes from source to target, which may overlap in either direction. Up to 16 bytes
-// are copied inline (all loads before all stores); this is the common case between occurrences.
-void MoveBytes(char* target, char const* source, std::size_t n) {
+// Copies n bytes from source to target, which may overlap in either direction. Up to 64 bytes
+// are copied inline, as words that may overlap each other, all loads before all stores; this is
+// the common case between occurrences.
+inline __attribute__((always_inline)) void MoveBytes(char* target, char const* source,
+                                                     std::size_t n) {
+    struct Word16 {
+        unsigned char bytes[16];
+    };
     auto const move = [&](auto word) {
         decltype(word) head, tail;
         std::memcpy(&head, source, sizeof head);
@@ -47,8 +38,20 @@ void MoveBytes(char* target, char const* source, std::size_t n) {
         std::memcpy(target, &head, sizeof head);
         std::memcpy(target + n - sizeof tail, &tail, sizeof tail);
     };
-    if (n > 16) {
+    if (n > 64) {
         std::memmove(target, source, n);
+    } else if (n > 32) {
+        Word16 words[4];
+        std::memcpy(&words[0], source, 16);
+        std::memcpy(&words[1], source + 16, 16);
+        std::memcpy(&words[2], source + n - 32, 16);
+        std::memcpy(&words[3], source + n - 16, 16);
+        std::memcpy(target, &words[0], 16);
+        std::memcpy(target + 16, &words[1], 16);
+        std::memcpy(target + n - 32, &words[2], 16);
+        std::memcpy(target + n - 16, &words[3], 16);
+    } else if (n > 16) {
+        move(Word16{});
     } else if (n >= 8) {
         move(std::uint64_t{});
     } else if (n >= 4) {
@@ -61,205 +64,336 @@ void MoveBytes(char* target, char const* source, std::size_t n) {
     }
 }
 
-// Finds the occurrences of from (not empty) in text one after another, left to right. The
-// positions asked for never decrease, so a block of candidates is kept between calls.
+// Whether the n bytes at a and b are equal; up to 64 bytes are compared inline, 8 at a time
+// with the last word overlapping, reading no byte outside them.
+inline __attribute__((always_inline)) bool EqualBytes(char const* a, char const* b, std::size_t n) {
+    auto const word = [](char const* at) {
+        std::uint64_t value;
+        std::memcpy(&value, at, sizeof value);
+        return value;
+    };
+    if (n > 64) {
+        return std::memcmp(a, b, n) == 0;
+    }
+    if (n >= 8) {
+        std::uint64_t differ = word(a + n - 8) ^ word(b + n - 8);
+        for (std::size_t k = 0; k + 8 < n; k += 8) {
+            differ |= word(a + k) ^ word(b + k);
+        }
+        return differ == 0;
+    }
+    if (n >= 4) {
+        std::uint32_t a1, a2, b1, b2;
+        std::memcpy(&a1, a, 4);
+        std::memcpy(&b1, b, 4);
+        std::memcpy(&a2, a + n - 4, 4);
+        std::memcpy(&b2, b + n - 4, 4);
+        return ((a1 ^ b1) | (a2 ^ b2)) == 0;
+    }
+    return n == 0 || (a[0] == b[0] && a[n / 2] == b[n / 2] && a[n - 1] == b[n - 1]);
+}
+
+// A chunk of bytes copied through registers: every byte is read before any is written.
+constexpr std::size_t kChunk = 64;
+struct Chunk {
+    unsigned char bytes[kChunk];
+};
+
+// Copies n bytes from source to target, which may overlap. When room (the bytes that may be
+// read at source and written at target) holds a whole chunk, a piece of up to kChunk bytes is
+// copied as the whole chunk, with no branch on its length; the bytes behind the piece then
+// hold whatever followed source.
+inline __attribute__((always_inline)) void CopyPiece(char* target, char const* source,
+                                                     std::size_t n, std::size_t room) {
+    if (n <= kChunk && room >= kChunk) {
+        Chunk chunk;
+        std::memcpy(&chunk, source, kChunk);
+        std::memcpy(target, &chunk, kChunk);
+        return;
+    }
+    MoveBytes(target, source, n);
+}
+
+// Finds the occurrences of from (not empty) in text, left to right and without overlaps. The
+// kernel of the path in use names the starts whose first, middle and last bytes agree with
+// from's, 64 at a time, and only they are compared in full (up to three bytes, each of them
+// is an occurrence).
 class OccurrenceScanner {
 public:
     OccurrenceScanner(std::string_view const& text, std::string_view const& from)
-        : mText(text), mFrom(from) {
-#ifdef TAVREL_REPLACE_SSE2
-        mHead = _mm_set1_epi8(from.front());
-        mTail = _mm_set1_epi8(from.back());
-#endif
-    }
+        : mText(text),
+          mFrom(from),
+          mKernels(kernels::ActiveKernels()),
+          mLastStart(text.size() >= from.size() ? text.size() - from.size() : kNotFound),
+          mFilter{{Byte(from.front()), Byte(from.front())},
+                  {Byte(from[from.size() / 2]), Byte(from[from.size() / 2])},
+                  {Byte(from.back()), Byte(from.back())},
+                  from.size() / 2,
+                  from.size() - 1} {}
 
     // The first occurrence at or after pos, or kNotFound.
-    std::size_t Next(std::size_t pos) {
-        if (pos > mText.size() || mText.size() - pos < mFrom.size()) {
-            return kNotFound;
-        }
-#ifdef TAVREL_REPLACE_SSE2
-        return NextInBlocks(pos);
-#else
-        return NextByMemchr(pos);
-#endif
+    std::size_t First(std::size_t pos) const {
+        std::size_t found = kNotFound;
+        Visit(pos, [&found](std::size_t at) {
+            found = at;
+            return false;
+        });
+        return found;
     }
 
-    // The number of occurrences at or after pos, as Next would find them one after another.
-    std::size_t Count(std::size_t pos) {
-#ifdef TAVREL_REPLACE_SSE2
-        if (mFrom.size() == 1 || (mFrom.size() == 2 && mFrom[0] != mFrom[1])) {
-            bool const room = mText.size() >= mFrom.size() && pos <= LastStart();
-            return room ? CountCandidates(pos) : 0;
-        }
-#endif
-        std::size_t count = 0;
-        for (std::size_t at = Next(pos); at != kNotFound; at = Next(at + mFrom.size())) {
-            ++count;
-        }
-        return count;
+    // Calls visit(at) for each occurrence from first on, in order; first must be one.
+    // NOTE: visit may write into the text below the end of the occurrence it is given: the
+    // scanner never reads there again.
+    template <class Visitor>
+    void EachFrom(std::size_t first, Visitor const& visit) const {
+        visit(first);
+        Visit(first + mFrom.size(), [&visit](std::size_t at) {
+            visit(at);
+            return true;
+        });
     }
 
 private:
-#ifdef TAVREL_REPLACE_SSE2
-    // Candidates are the starts whose byte equals from's first byte and whose byte m - 1 further
-    // equals its last byte, found 16 at a time; only they are compared in full.
-    std::size_t NextInBlocks(std::size_t pos) {
-        if (mHasBlock && pos - mBlock < 16) {
-            mMask &= ~0u << (pos - mBlock);
-        } else {
-            LoadBlock(pos);
-        }
-        for (;;) {
-            for (; mMask != 0; mMask &= mMask - 1) {
-                std::size_t const start = mBlock + static_cast<std::size_t>(__builtin_ctz(mMask));
-                if (OccursAt(mText.data() + start, mFrom)) {
-                    mMask &= mMask - 1;
-                    return start;
+    static unsigned char Byte(char c) { return static_cast<unsigned char>(c); }
+
+    // Whether the bytes between the first and the last agree, at a start whose first, middle
+    // and last bytes do.
+    bool IsOccurrence(std::size_t start) const {
+        return mFrom.size() <= 3 ||
+               EqualBytes(mText.data() + start + 1, mFrom.data() + 1, mFrom.size() - 2);
+    }
+
+    // Calls more(at) for each occurrence at or after pos while it returns true.
+    template <class More>
+    void Visit(std::size_t pos, More const& more) const {
+        std::size_t const size = mFrom.size();
+        while (mLastStart != kNotFound && pos <= mLastStart) {
+            std::uint64_t mask = 0;
+            std::size_t const block =
+                mKernels.findCandidates(mText.data(), pos, mLastStart, mFilter, &mask);
+            if (block == kNotFound) {
+                return;
+            }
+            pos = block + 64;
+            while (mask != 0) {
+                std::size_t const at = block + static_cast<std::size_t>(__builtin_ctzll(mask));
+                if (!IsOccurrence(at)) {
+                    mask &= mask - 1;
+                    continue;
                 }
-            }
-            if (LastStart() - mBlock < 16) {
-                return kNotFound;
-            }
-            LoadBlock(mBlock + 16);
-        }
-    }
-
-    std::size_t LastStart() const { return mText.size() - mFrom.size(); }
-
-    // The candidates among the starts block..block + 15 that exist; near the end of text they
-    // are looked at one by one, so no load reaches behind it.
-    void LoadBlock(std::size_t block) {
-        mHasBlock = true;
-        mBlock = block;
-        if (LastStart() - block >= 15) {
-            mMask = static_cast<unsigned>(_mm_movemask_epi8(Hits(block)));
-            return;
-        }
-        mMask = 0;
-        for (std::size_t k = 0; k <= LastStart() - block; ++k) {
-            if (IsCandidate(block + k)) {
-                mMask |= 1u << k;
+                if (!more(at)) {
+                    return;
+                }
+                std::size_t const skip = at + size - block;  // no overlaps: go on behind it
+                if (skip >= 64) {
+                    pos = at + size;
+                    break;
+                }
+                mask &= ~std::uint64_t{0} << skip;
             }
         }
     }
-
-    // Lanes of the 16 starts from block on whose first and last bytes agree with from's.
-    __m128i Hits(std::size_t block) const {
-        auto const load = [](char const* p) {
-            return _mm_loadu_si128(reinterpret_cast<__m128i const*>(p));
-        };
-        char const* const at = mText.data() + block;
-        return _mm_and_si128(_mm_cmpeq_epi8(load(at), mHead),
-                             _mm_cmpeq_epi8(load(at + mFrom.size() - 1), mTail));
-    }
-
-    bool IsCandidate(std::size_t start) const {
-        return mText[start] == mFrom.front() && mText[start + mFrom.size() - 1] == mFrom.back();
-    }
-
-    // With one byte, or two different bytes, a candidate is an occurrence and two occurrences
-    // cannot overlap, so the count is the number of candidates: summed 16 lanes at a time in
-    // byte counters that are added up before they can overflow.
-    std::size_t CountCandidates(std::size_t pos) const {
-        std::size_t total = 0;
-        std::size_t p = pos;
-        while (p <= LastStart() && LastStart() - p >= 15) {
-            __m128i counters = _mm_setzero_si128();
-            for (int round = 0; round < 255 && p <= LastStart() && LastStart() - p >= 15;
-                 ++round, p += 16) {
-                counters = _mm_sub_epi8(counters, Hits(p));  // a hit lane holds -1
-            }
-            __m128i const sums = _mm_sad_epu8(counters, _mm_setzero_si128());
-            total += static_cast<std::size_t>(_mm_cvtsi128_si32(sums)) +
-                     static_cast<std::size_t>(_mm_cvtsi128_si32(_mm_srli_si128(sums, 8)));
-        }
-        for (; p <= LastStart(); ++p) {
-            total += IsCandidate(p) ? 1 : 0;
-        }
-        return total;
-    }
-
-    __m128i mHead, mTail;
-    bool mHasBlock = false;
-    std::size_t mBlock = 0;
-    unsigned mMask = 0;  // candidates at mBlock + bit index not yet looked at
-#else
-    // memchr finds each candidate for the first byte and the whole of from is then compared.
-    std::size_t NextByMemchr(std::size_t pos) const {
-        char const* const begin = mText.data();
-        char const* const lastStart = begin + (mText.size() - mFrom.size());
-        for (char const* at = begin + pos; at <= lastStart; ++at) {
-            std::size_t const span = static_cast<std::size_t>(lastStart - at) + 1;
-            at = static_cast<char const*>(std::memchr(at, mFrom.front(), span));
-            if (at == nullptr) {
-                return kNotFound;
-            }
-            if (OccursAt(at, mFrom)) {
-                return static_cast<std::size_t>(at - begin);
-            }
-        }
-        return kNotFound;
-    }
-#endif
 
     std::string_view mText;
     std::string_view mFrom;
+    kernels::Kernels const& mKernels;
+    std::size_t mLastStart;  // the last start at which from fits, or kNotFound
+    kernels::StartFilter mFilter;
 };
 
-// Replaces, when to is not longer than from, by compacting text in place: each kept stretch
-// moves down once, so the tail is not moved at every occurrence. The scanner reads only bytes
-// behind the last occurrence, which the writes never reach.
-void ReplaceShrinking(std::string& text, std::string_view const& from, std::string_view const& to,
-                      std::size_t at) {
-    OccurrenceScanner scanner(text, from);
-    char* const bytes = text.data();
-    std::size_t read = 0;
-    std::size_t write = 0;
-    for (; at != kNotFound; at = scanner.Next(read)) {
-        if (write != read) {  // equal sizes keep every byte in place
-            MoveBytes(bytes + write, bytes + read, at - read);
+// to, with room behind it for a whole chunk when it is short.
+struct Replacement {
+    explicit Replacement(std::string_view const& to) : text(to), chunked(to.size() <= kChunk) {
+        if (chunked) {
+            std::memcpy(padded.bytes, to.data(), to.size());
         }
+    }
+    char const* Bytes() const {
+        return chunked ? reinterpret_cast<char const*>(padded.bytes) : text.data();
+    }
+    // How many bytes may be read at Bytes().
+    std::size_t Readable() const { return chunked ? kChunk : text.size(); }
+
+    std::string_view text;
+    bool chunked;
+    Chunk padded{};
+};
+
+// Replaces, when to is as long as from, by overwriting each occurrence: nothing else moves.
+void ReplaceSameSize(std::string& text, std::string_view const& to,
+                     OccurrenceScanner const& scanner, std::size_t first) {
+    char* const bytes = text.data();
+    scanner.EachFrom(first, [&](std::size_t at) { MoveBytes(bytes + at, to.data(), to.size()); });
+}
+
+// Replaces, when to is shorter than from, by compacting text in place: each kept stretch
+// moves down once, so the tail is not moved at every occurrence. A chunk may be written
+// wherever it ends before the end of the occurrence just found: the scanner has read
+// everything there, and what the chunk leaves behind the piece is written over later or cut.
+void ReplaceShrinking(std::string& text, std::string_view const& from, std::string_view const& to,
+                      OccurrenceScanner const& scanner, std::size_t first) {
+    char* const bytes = text.data();
+    std::size_t const size = text.size();
+    Replacement const replacement(to);
+    // The bytes before the first occurrence stay where they are.
+    std::size_t read = first;
+    std::size_t write = first;
+    scanner.EachFrom(first, [&](std::size_t at) {
+        std::size_t const end = at + from.size();
+        CopyPiece(bytes + write, bytes + read, at - read, std::min(end - write, size - read));
         write += at - read;
-        MoveBytes(bytes + write, to.data(), to.size());
+        CopyPiece(bytes + write, replacement.Bytes(), to.size(),
+                  std::min(end - write, replacement.Readable()));
         write += to.size();
-        read = at + from.size();
-    }
-    std::size_t const rest = text.size() - read;
-    if (write != read) {
-        MoveBytes(bytes + write, bytes + read, rest);
-    }
+        read = end;
+    });
+    std::size_t const rest = size - read;
+    MoveBytes(bytes + write, bytes + read, rest);
     text.resize(write + rest);
 }
 
-// The size of the result of count replacements; a size that cannot exist cannot be allocated.
-std::size_t GrownSize(std::string const& text, std::size_t count, std::size_t growth) {
-    std::size_t const room = text.max_size() - text.size();
-    if (count > room / growth) {
-        throw std::bad_alloc();
+// Appends pieces to a string: short ones gather in a buffer of its own and go in together,
+// long ones go in at once, so that a text with an occurrence every few bytes does not pay a
+// call to append for each piece.
+class PieceWriter {
+public:
+    explicit PieceWriter(std::string& out) : mOut(out) {}
+
+    // Appends n bytes from bytes, of which readable may be read.
+    void Put(char const* bytes, std::size_t n, std::size_t readable) {
+        if (n <= kChunk && readable >= kChunk) {
+            if (mUsed > kBufferSize) {
+                Flush();
+            }
+            CopyPiece(mBuffer + mUsed, bytes, n, kChunk);
+            mUsed += n;
+            return;
+        }
+        if (n > kDirect) {
+            Flush();
+            mOut.append(bytes, n);
+            return;
+        }
+        if (kBufferSize + kChunk - mUsed < n) {
+            Flush();
+        }
+        MoveBytes(mBuffer + mUsed, bytes, n);
+        mUsed += n;
     }
-    return text.size() + count * growth;
+
+    void Flush() {
+        mOut.append(mBuffer, mUsed);
+        mUsed = 0;
+    }
+
+private:
+    static constexpr std::size_t kBufferSize = 4096;
+    static constexpr std::size_t kDirect = 256;
+
+    std::string& mOut;
+    std::size_t mUsed = 0;  // at most kBufferSize before a chunk is written
+    char mBuffer[kBufferSize + kChunk];
+};
+
+// The occurrences in the first kSample bytes from the first one, counted to guess the size of
+// a growing result and how dense the occurrences are. A wrong guess costs time, never a wrong
+// result.
+struct Sample {
+    static constexpr std::size_t kSample = 16384;
+
+    Sample(std::string_view const& text, std::string_view const& from, std::size_t first)
+        : span(text.size() - first), sampled(std::min(span, kSample)) {
+        OccurrenceScanner(text.substr(0, first + sampled), from)
+            .EachFrom(first, [this](std::size_t) { ++count; });
+    }
+
+    // How many occurrences the whole text likely holds.
+    std::size_t LikelyCount() const {
+        if (sampled == span) {
+            return count;
+        }
+        return count / 8 +
+               static_cast<std::size_t>(static_cast<double>(count) * static_cast<double>(span) /
+                                        static_cast<double>(sampled));
+    }
+
+    // Whether occurrences come at least once every 256 bytes.
+    bool Dense() const { return count * 256 >= sampled; }
+
+    std::size_t span;     // the bytes from the first occurrence on
+    std::size_t sampled;  // how many of them were looked at
+    std::size_t count = 0;
+};
+
+// How many bytes the result of growing text likely needs.
+std::size_t LikelyResultSize(std::string const& text, Sample const& sample, std::size_t growth) {
+    std::size_t const room = (text.max_size() - text.size()) / growth;
+    return text.size() + std::min(sample.LikelyCount(), room) * growth;
 }
 
-// Replaces, when to is longer than from, by counting the occurrences first and then building
-// the result once in a string of the exact final size, which is swapped in.
+// Replaces, when to is longer than from, by building the result in a new string, which is
+// swapped in; the text is read once, from left to right.
 void ReplaceGrowing(std::string& text, std::string_view const& from, std::string_view const& to,
-                    std::size_t first) {
-    std::size_t const count = OccurrenceScanner(text, from).Count(first);
-    std::string result(GrownSize(text, count, to.size() - from.size()), '\0');
-    char* const out = result.data();
-    char const* const in = text.data();
-    OccurrenceScanner scanner(text, from);
-    std::size_t read = 0;
-    std::size_t write = 0;
-    for (std::size_t at = first; at != kNotFound; at = scanner.Next(read)) {
-        MoveBytes(out + write, in + read, at - read);
-        write += at - read;
-        MoveBytes(out + write, to.data(), to.size());
-        write += to.size();
-        read = at + from.size();
+                    OccurrenceScanner const& scanner, std::size_t first, Sample const& sample) {
+    std::string result;
+    result.reserve(LikelyResultSize(text, sample, to.size() - from.size()));
+    {
+        PieceWriter writer(result);
+        Replacement const replacement(to);
+        char const* const in = text.data();
+        std::size_t const size = text.size();
+        std::size_t read = 0;
+        scanner.EachFrom(first, [&](std::size_t at) {
+            writer.Put(in + read, at - read, size - read);
+            writer.Put(replacement.Bytes(), to.size(), replacement.Readable());
+            read = at + from.size();
+        });
+        writer.Put(in + read, size - read, size - read);
+        writer.Flush();
     }
-    MoveBytes(out + write, in + read, text.size() - read);
+    text.swap(result);
+}
+
+// Whether a proper prefix of from is also a suffix of it, so that two occurrences may overlap.
+//   "aa" => true     "abab" => true     "<b>" => false     "x" => false
+bool HasBorder(std::string_view const& from) {
+    for (std::size_t shift = 1; shift < from.size(); ++shift) {
+        if (from.substr(shift) == from.substr(0, from.size() - shift)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The replacement by the path's own loop (kernels::Kernels::replaceRun): in place when to is
+// not longer than from, otherwise through a buffer on the stack into a new string. A deletion
+// whose occurrences cannot overlap goes through the path's deletion loop first, where it has
+// one, which leaves only the last bytes to replaceRun.
+void ReplaceByRun(std::string& text, std::string_view const& from, std::string_view const& to,
+                  std::size_t first, kernels::Kernels const& kernels, Sample const* sample) {
+    kernels::Replacement64 const pattern{from.data(), from.size(), to.data(), to.size()};
+    std::size_t const size = text.size();
+    std::size_t read = first;
+    if (sample == nullptr) {
+        char* const bytes = text.data();
+        std::size_t write = first;
+        if (to.empty() && kernels.deleteRun != nullptr && !HasBorder(from)) {
+            write = kernels.deleteRun(bytes, size, &read, bytes, write, pattern);
+        }
+        std::size_t const end = kernels.replaceRun(bytes, size, &read, bytes, write,
+                                                   static_cast<std::size_t>(-1), pattern);
+        text.resize(end);
+        return;
+    }
+    std::string result;
+    result.reserve(LikelyResultSize(text, *sample, to.size() - from.size()));
+    result.append(text, 0, first);
+    char buffer[8192];
+    while (read < size) {
+        std::size_t const end =
+            kernels.replaceRun(text.data(), size, &read, buffer, 0, sizeof buffer, pattern);
+        result.append(buffer, end);
+    }
     text.swap(result);
 }
 
@@ -268,14 +402,31 @@ void ReplaceViews(std::string& text, std::string_view const& from, std::string_v
     if (text.empty() || from.empty()) {
         return;
     }
-    std::size_t const first = OccurrenceScanner(text, from).Next(0);
+    OccurrenceScanner const scanner(text, from);
+    std::size_t const first = scanner.First(0);
     if (first == kNotFound) {
         return;
     }
-    if (to.size() <= from.size()) {
-        ReplaceShrinking(text, from, to, first);
+    // The path's own loop where it has one and the pieces fit it: in place for a shorter to;
+    // for a longer one where occurrences are dense, since it then goes through a buffer of its
+    // own, which costs a second copy of each byte where long stretches lie between them.
+    kernels::Kernels const& kernels = kernels::ActiveKernels();
+    bool const byRun = kernels.replaceRun != nullptr && from.size() <= 64 && to.size() <= 64;
+    if (to.size() == from.size()) {
+        ReplaceSameSize(text, to, scanner, first);
+    } else if (to.size() < from.size()) {
+        if (byRun) {
+            ReplaceByRun(text, from, to, first, kernels, nullptr);
+        } else {
+            ReplaceShrinking(text, from, to, scanner, first);
+        }
     } else {
-        ReplaceGrowing(text, from, to, first);
+        Sample const sample(text, from, first);
+        if (byRun && sample.Dense()) {
+            ReplaceByRun(text, from, to, first, kernels, &sample);
+        } else {
+            ReplaceGrowing(text, from, to, scanner, first, sample);
+        }
     }
 }
 

@@ -1,6 +1,8 @@
 // Replacing every occurrence of a byte or a text, left to right, in place. Occurrences do not
 // overlap and the text put in is never searched again. Runs in time linear in the size of the
 // text and the result, whatever the number of occurrences. Does not interpret any character set.
+// The occurrences are found on the instruction-set path that Dispatch.h chooses; every path
+// gives the same result.
 #pragma once
 
 #include <string>

@@ -2,12 +2,10 @@
 
 #include <cctype>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 
-#if defined(__SSE2__) && !defined(TAVREL_STRINGS_NO_SIMD)
-#include <emmintrin.h>
-#define TAVREL_SEARCH_SSE2 1
-#endif
+#include "strings/Kernels.h"
 
 namespace Tavrel {
 
@@ -60,8 +58,6 @@ std::size_t ScanEachStart(std::string_view const& text, std::size_t begin, std::
     return npos;
 }
 
-#ifdef TAVREL_SEARCH_SSE2
-
 // The bytes that fold onto the same value as c, if there are at most two of them.
 struct FoldVariants {
     bool fits = false;
@@ -88,53 +84,40 @@ FoldVariants VariantsOf(FoldTable const& fold, char c) {
     return variants;
 }
 
-// Lanes of the 16 bytes at at that equal either variant.
-__m128i EqualsEither(char const* at, __m128i first, __m128i second) {
-    __m128i const block = _mm_loadu_si128(reinterpret_cast<__m128i const*>(at));
-    return _mm_or_si128(_mm_cmpeq_epi8(block, first), _mm_cmpeq_epi8(block, second));
-}
-
-// Filters 16 starts at a time on the needle's first and last byte (both variants of each),
-// then verifies the candidates in order with the table. Starts too near the end for a full
-// block are tried one by one.
-std::size_t ScanWithSse2(std::string_view const& text, std::size_t begin, std::size_t lastStart,
-                           std::string_view const& needle, FoldTable const& fold,
-                           FoldVariants const& head, FoldVariants const& tail) {
-    auto const lane = [](unsigned char b) { return _mm_set1_epi8(static_cast<char>(b)); };
-    __m128i const head0 = lane(head.bytes[0]), head1 = lane(head.bytes[1]);
-    __m128i const tail0 = lane(tail.bytes[0]), tail1 = lane(tail.bytes[1]);
-    std::size_t const tailOffset = needle.size() - 1;
-    std::size_t p = begin;
-    for (; p <= lastStart && lastStart - p >= 15; p += 16) {
-        char const* at = text.data() + p;
-        __m128i const hits = _mm_and_si128(EqualsEither(at, head0, head1),
-                                           EqualsEither(at + tailOffset, tail0, tail1));
-        for (unsigned mask = static_cast<unsigned>(_mm_movemask_epi8(hits)); mask != 0;
-             mask &= mask - 1) {
-            std::size_t const start = p + static_cast<std::size_t>(__builtin_ctz(mask));
+// Searches the starts begin..lastStart with a table. When at most two bytes fold onto each of
+// the needle's first, middle and last bytes, the kernel of the path in use names the starts
+// where those three can match, 64 at a time, and only they are compared in order.
+std::size_t ScanWithTable(std::string_view const& text, std::size_t begin, std::size_t lastStart,
+                            std::string_view const& needle) {
+    FoldTable const fold;
+    FoldVariants const head = VariantsOf(fold, needle.front());
+    FoldVariants const middle = VariantsOf(fold, needle[needle.size() / 2]);
+    FoldVariants const tail = VariantsOf(fold, needle.back());
+    if (!head.fits || !middle.fits || !tail.fits) {
+        return ScanEachStart(text, begin, lastStart, needle, fold);
+    }
+    kernels::Kernels const& kernels = kernels::ActiveKernels();
+    kernels::StartFilter const filter{{head.bytes[0], head.bytes[1]},
+                                      {middle.bytes[0], middle.bytes[1]},
+                                      {tail.bytes[0], tail.bytes[1]},
+                                      needle.size() / 2,
+                                      needle.size() - 1};
+    for (std::size_t pos = begin; pos <= lastStart;) {
+        std::uint64_t mask = 0;
+        std::size_t const block =
+            kernels.findCandidates(text.data(), pos, lastStart, filter, &mask);
+        if (block == npos) {
+            return npos;
+        }
+        for (; mask != 0; mask &= mask - 1) {
+            std::size_t const start = block + static_cast<std::size_t>(__builtin_ctzll(mask));
             if (MatchesAt(text.data() + start, needle, fold)) {
                 return start;
             }
         }
+        pos = block + 64;
     }
-    return p <= lastStart ? ScanEachStart(text, p, lastStart, needle, fold) : npos;
-}
-
-#endif
-
-// Searches the starts begin..lastStart with a table; the needle's first and last bytes
-// filter candidates in blocks when at most two bytes fold onto each of them.
-std::size_t ScanWithTable(std::string_view const& text, std::size_t begin, std::size_t lastStart,
-                            std::string_view const& needle) {
-    FoldTable const fold;
-#ifdef TAVREL_SEARCH_SSE2
-    FoldVariants const head = VariantsOf(fold, needle.front());
-    FoldVariants const tail = VariantsOf(fold, needle.back());
-    if (head.fits && tail.fits) {
-        return ScanWithSse2(text, begin, lastStart, needle, fold, head, tail);
-    }
-#endif
-    return ScanEachStart(text, begin, lastStart, needle, fold);
+    return npos;
 }
 
 // The end (exclusive) of the range whose last index is last: last = size - 1 and last = size

@@ -2,7 +2,9 @@
 // inclusive index range. Texts are bytes; no character set is decoded, and a NUL byte inside a
 // counted text is an ordinary byte. Does not allocate and keeps no state.
 // The case-insensitive search folds through the C library's tolower, so the current C locale
-// decides which bytes match; it does not know about multi-byte characters.
+// decides which bytes match; it does not know about multi-byte characters. Its filter for
+// candidate starts runs on the instruction-set path that Dispatch.h chooses; every path finds
+// the same match.
 #pragma once
 
 #include <cstddef>

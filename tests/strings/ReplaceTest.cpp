@@ -4,6 +4,7 @@
 #include "strings/Replace.h"
 #include "testing/RandomText.h"
 #include "testing/StringReferences.h"
+#include "tests/strings/EachPath.h"
 
 namespace Tavrel {
 namespace {
@@ -20,7 +21,10 @@ std::string Repeat(std::string_view piece, int times) {
     return text;
 }
 
-TEST(ReplaceAll, StringTable) {
+class ReplaceAllTest : public EachPath {};
+TAVREL_ON_EACH_PATH(ReplaceAllTest);
+
+TEST_P(ReplaceAllTest, StringTable) {
     struct Row {
         std::string text, from, to, expected;
     };
@@ -45,7 +49,7 @@ TEST(ReplaceAll, StringTable) {
     }
 }
 
-TEST(ReplaceAll, CharNullAndAliasedForms) {
+TEST_P(ReplaceAllTest, CharNullAndAliasedForms) {
     std::string text = "a.b.\0."s;
     ReplaceAll(text, '.', '/');
     EXPECT_EQ(text, "a/b/\0/"s);
@@ -71,7 +75,7 @@ TEST(ReplaceAll, CharNullAndAliasedForms) {
     EXPECT_EQ(self, "aab");
 }
 
-TEST(ReplaceAll, AgreesWithPlainProcedure) {
+TEST_P(ReplaceAllTest, AgreesWithPlainProcedure) {
     RandomText random(11);
     for (int round = 0; round < 4000; ++round) {
         std::string const original = random.From("aab\0"s, round % 10 == 0 ? 2000 : 30);
@@ -81,6 +85,57 @@ TEST(ReplaceAll, AgreesWithPlainProcedure) {
         ReplaceAll(text, from, to);
         ASSERT_EQ(text, ref::ReplaceAll(original, from, to))
             << "round " << round << " from " << from << " to " << to;
+    }
+}
+
+// One occurrence at every place of texts longer than a block, for patterns of each length the
+// scanner treats apart, and every size up to a few blocks: the blocks of candidates, the last
+// starts behind them, and a pattern that reaches the very end.
+TEST_P(ReplaceAllTest, OccurrenceAtEveryPlace) {
+    // The kernels replace patterns and replacements of up to 64 bytes in one loop and hand
+    // longer ones to the general one: both sides of that line are here.
+    std::string const patterns[] = {"#",
+                                    "%%",
+                                    "<b",
+                                    "<b>",
+                                    "{{name}}",
+                                    "0123456789abcdef0123456789ABCDEF!",
+                                    "#" + Repeat("0123456789abcdef", 4).substr(1)};
+    for (std::string const& from : patterns) {
+        for (std::size_t size = from.size(); size <= 200; size += 1 + size / 40) {
+            for (std::size_t place = 0; place + from.size() <= size; ++place) {
+                // Near misses around it: the first and the last byte alone.
+                std::string original(size, '.');
+                for (std::size_t k = place % 7; k + from.size() <= size; k += 13) {
+                    original[k] = from.front();
+                    original[k + from.size() - 1] = from.back();
+                }
+                original.replace(place, from.size(), from);
+                for (std::string const& to : {""s, "x"s, from, from + "++"}) {
+                    std::string text = original;
+                    ReplaceAll(text, from, to);
+                    ASSERT_EQ(text, ref::ReplaceAll(original, from, to))
+                        << "from " << from << " to " << to << " at " << place << " of " << size;
+                }
+            }
+        }
+    }
+}
+
+// Long texts, whose occurrences are dense in one part and sparse or absent in another, so
+// that the room guessed for a growing result from its start is too small or too large, and
+// long stretches between occurrences go into the result at once.
+TEST_P(ReplaceAllTest, LongTextsOfChangingDensity) {
+    RandomText random(5);
+    std::string const dense = Repeat("ab-cd.efg ", 3000);
+    std::string const sparse = Repeat("lorem ipsum dolor sit amet ", 1000) + "ab" +
+                               Repeat("consectetur adipiscing elit ", 700);
+    for (std::string const& original : {dense + sparse, sparse + dense, sparse + sparse + "ab"}) {
+        for (std::string const& to : {"xyz"s, ""s, "ba"s, Repeat("0123456789", 40)}) {
+            std::string text = original;
+            ReplaceAll(text, "ab"s, to);
+            ASSERT_EQ(text, ref::ReplaceAll(original, "ab", to)) << "to " << to.size();
+        }
     }
 }
 

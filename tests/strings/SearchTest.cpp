@@ -5,6 +5,7 @@
 #include "strings/Search.h"
 #include "testing/RandomText.h"
 #include "testing/StringReferences.h"
+#include "tests/strings/EachPath.h"
 
 namespace Tavrel {
 namespace {
@@ -36,7 +37,10 @@ TEST(StrnStr, Table) {
     EXPECT_EQ(StrnStr(nullptr, 3, "a"), nullptr);
 }
 
-TEST(FindCaseInsensitive, HelloWorldRanges) {
+class FindCaseInsensitiveTest : public EachPath {};
+TAVREL_ON_EACH_PATH(FindCaseInsensitiveTest);
+
+TEST_P(FindCaseInsensitiveTest, HelloWorldRanges) {
     struct Row {
         std::size_t first, last;
         std::string_view needle;
@@ -64,7 +68,7 @@ TEST(FindCaseInsensitive, HelloWorldRanges) {
     EXPECT_EQ(FindCaseInsensitive("\xC3\xA9", "\xC3\x89"), npos);  // no fold above 0x7F
 }
 
-TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
+TEST_P(FindCaseInsensitiveTest, AgreesWithPlainProcedure) {
     RandomText random(7);
     std::string_view const alphabet = "aAbB\0\xC3\xE9-"sv;
     for (int round = 0; round < 3000; ++round) {
@@ -79,12 +83,37 @@ TEST(FindCaseInsensitive, AgreesWithPlainProcedure) {
     }
 }
 
-TEST(FindCaseInsensitive, FindsNeedleAtEveryEndOfLongText) {
+TEST_P(FindCaseInsensitiveTest, FindsNeedleAtEveryEndOfLongText) {
     for (std::size_t size = 256; size < 300; ++size) {
         std::string text(size, 'x');
         text.replace(size - 3, 3, "AbC");
         EXPECT_EQ(FindCaseInsensitive(text, "abc"), size - 3) << "size " << size;
         EXPECT_EQ(FindCaseInsensitive(text, 0, size - 2, "abc"), npos) << "size " << size;
+    }
+}
+
+// A needle of each length at every place of a text long enough for the table and the
+// candidate filter, among near misses (the needle with its middle byte changed, which pass
+// the filter on the first and last byte), with ranges that end at it, behind it and before it.
+TEST_P(FindCaseInsensitiveTest, NeedleAtEveryPlace) {
+    std::string_view const needles[] = {"Q", "aNt", "NeEdLe42", "the Quick brown fox jumps over t"};
+    for (std::string_view const needle : needles) {
+        std::string nearMiss = ref::Upper(needle);
+        nearMiss[needle.size() / 2] = '#';
+        std::string base(330, '.');
+        for (std::size_t k = 0; needle.size() >= 3 && k + needle.size() <= base.size(); k += 9) {
+            base.replace(k, needle.size(), nearMiss);
+        }
+        for (std::size_t place = 0; place + needle.size() <= base.size(); ++place) {
+            std::string text = base;
+            text.replace(place, needle.size(), ref::Upper(needle));
+            std::size_t const end = place + needle.size();
+            for (std::size_t const last : {end - 1, end, text.size(), end - 2}) {
+                ASSERT_EQ(FindCaseInsensitive(text, 0, last, needle),
+                          ref::FoldFind(text, 0, last, needle))
+                    << needle << " at " << place << " last " << last;
+            }
+        }
     }
 }
 

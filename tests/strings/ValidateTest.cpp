@@ -5,6 +5,7 @@
 #include "strings/Validate.h"
 #include "testing/RandomText.h"
 #include "testing/StringReferences.h"
+#include "tests/strings/EachPath.h"
 
 namespace Tavrel {
 namespace {
@@ -15,7 +16,32 @@ using namespace std::string_literals;
 
 constexpr std::size_t kUntouched = 999999;
 
-TEST(ValidUTF8, Table) {
+class ValidUTF8Test : public EachPath {};
+class ValidASCIITest : public EachPath {};
+class ValidateTest : public EachPath {};
+TAVREL_ON_EACH_PATH(ValidUTF8Test);
+TAVREL_ON_EACH_PATH(ValidASCIITest);
+TAVREL_ON_EACH_PATH(ValidateTest);
+
+// Checks all three tests on text against the references.
+void ExpectAsReference(std::string_view text) {
+    ref::Utf8Verdict const expected = ref::CheckUtf8(text);
+    std::string message;
+    std::size_t position = kUntouched;
+    ASSERT_EQ(ValidUTF8(text, message, &position), expected.valid);
+    ASSERT_EQ(message, expected.message);
+    ASSERT_EQ(position, expected.valid ? kUntouched : expected.position);
+    std::size_t const nonAscii = ref::FirstNonAscii(text).value_or(kUntouched);
+    std::size_t const nonPrintable = ref::FirstNonPrintableAscii(text).value_or(kUntouched);
+    position = kUntouched;
+    ASSERT_EQ(ValidASCII(text, &position), nonAscii == kUntouched);
+    ASSERT_EQ(position, nonAscii);
+    position = kUntouched;
+    ASSERT_EQ(ValidPrintableASCII(text, &position), nonPrintable == kUntouched);
+    ASSERT_EQ(position, nonPrintable);
+}
+
+TEST_P(ValidUTF8Test, Table) {
     struct Row {
         std::string bytes;
         std::string message;  // empty: the text passes
@@ -51,7 +77,7 @@ TEST(ValidUTF8, Table) {
     }
 }
 
-TEST(ValidASCII, Tables) {
+TEST_P(ValidASCIITest, Tables) {
     struct Row {
         std::string bytes;
         std::size_t ascii, printable;  // failing index, or kUntouched for a pass
@@ -104,32 +130,44 @@ std::string TrickyText(RandomText& random, int round) {
     return text;
 }
 
-TEST(Validate, AgreesWithReference) {
+TEST_P(ValidateTest, AgreesWithReference) {
     RandomText random(3);
     for (int round = 0; round < 20000; ++round) {
         std::string const text = TrickyText(random, round);
         SCOPED_TRACE(testing::Message()
                      << "round " << round << " " << testing::PrintToString(text));
-        ref::Utf8Verdict const expected = ref::CheckUtf8(text);
-        std::string message;
-        std::size_t position = kUntouched;
-        ASSERT_EQ(ValidUTF8(text, message, &position), expected.valid);
-        ASSERT_EQ(message, expected.message);
-        ASSERT_EQ(position, expected.valid ? kUntouched : expected.position);
-
+        ASSERT_NO_FATAL_FAILURE(ExpectAsReference(text));
         // Line feeds end printable runs at once, so the printable test also gets them as '~'.
         std::string tildes = text;
         std::replace(tildes.begin(), tildes.end(), '\n', '~');
-        for (std::string_view const ascii : {std::string_view(text), std::string_view(tildes)}) {
-            std::size_t const nonAscii = ref::FirstNonAscii(ascii).value_or(kUntouched);
-            std::size_t const nonPrintable =
-                ref::FirstNonPrintableAscii(ascii).value_or(kUntouched);
-            position = kUntouched;
-            ASSERT_EQ(ValidASCII(ascii, &position), nonAscii == kUntouched);
-            ASSERT_EQ(position, nonAscii);
-            position = kUntouched;
-            ASSERT_EQ(ValidPrintableASCII(ascii, &position), nonPrintable == kUntouched);
-            ASSERT_EQ(position, nonPrintable);
+        ASSERT_NO_FATAL_FAILURE(ExpectAsReference(tildes));
+    }
+}
+
+// Every fault at every place of texts longer than several blocks, and every cut: the block
+// checks, their carry from block to block and the last bytes behind the blocks. One text is
+// mostly printable ASCII, one holds nothing but 2-, 3- and 4-byte sequences.
+TEST_P(ValidateTest, FaultAtEveryPlace) {
+    std::string_view const units[][4] = {
+        {"Lorem ipsum ", "dolor\n", "sit amet, ", "\xC3\xA9"},
+        {"\xD0\xBC\xD0\xB8", "\xE6\x97\xA5", "\xF0\x9F\x98\x80", "\xC3\xA9\xE2\x82\xAC"},
+    };
+    std::string const faults[] = {"\x80",         "\xFF", "\xC3", "\xE2\x82",
+                                  "\xF0\x9F\x98", "\x7F", "\x1F", "\n"};
+    for (auto const& unit : units) {
+        std::string base;
+        for (std::size_t k = 0; base.size() < 300; ++k) {
+            base += unit[k * 7 % 4];
+        }
+        for (std::size_t place = 0; place <= base.size(); ++place) {
+            SCOPED_TRACE(testing::Message()
+                         << "place " << place << " in " << testing::PrintToString(base));
+            ASSERT_NO_FATAL_FAILURE(ExpectAsReference(std::string_view(base).substr(0, place)));
+            for (std::string const& fault : faults) {
+                std::string text = base;
+                text.replace(place, std::min(fault.size(), text.size() - place), fault);
+                ASSERT_NO_FATAL_FAILURE(ExpectAsReference(text));
+            }
         }
     }
 }
