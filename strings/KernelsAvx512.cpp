@@ -99,19 +99,12 @@ TAVREL_AVX512 std::size_t PrintableRun(char const* bytes, std::size_t size) {
     return size;
 }
 
-// The bytes of block that break the form rules, given the 64 bytes before it, as the top bit
-// of each byte: a byte must be a continuation (0x80-0xBF) exactly when the byte 1 before it is
-// 0xC0 or above, the byte 2 before 0xE0 or above, or the byte 3 before 0xF0 or above; and no
-// byte is 0xF8 or above. A saturating subtraction of (bound - 0x80) leaves the top bit set
-// exactly for the bytes from bound on.
-TAVREL_AVX512 __m512i Utf8Faults(__m512i block, __m512i previous) {
-    // The 16 bytes before each 16-byte lane of block: the last lane of previous, then block's.
-    // NOTE: the zero-masked form with every lane kept, since GCC 12 warns that the plain
-    // form's undefined start value may be used.
-    __m512i const before = _mm512_maskz_alignr_epi64(0xFF, block, previous, 6);
-    __m512i const back1 = _mm512_alignr_epi8(block, before, 15);
-    __m512i const back2 = _mm512_alignr_epi8(block, before, 14);
-    __m512i const back3 = _mm512_alignr_epi8(block, before, 13);
+// The bytes of block that break the form rules, given the bytes 1, 2 and 3 before each of
+// its bytes, as the top bit of each byte: a byte must be a continuation (0x80-0xBF) exactly when
+// the byte 1 before it is 0xC0 or above, the byte 2 before 0xE0 or above, or the byte 3 before 0xF0
+// or above; and no byte is 0xF8 or above. A saturating subtraction of (bound - 0x80) leaves the top
+// bit set exactly for the bytes from bound on.
+TAVREL_AVX512 __m512i Utf8FaultsOf(__m512i block, __m512i back1, __m512i back2, __m512i back3) {
     __m512i const needed = _mm512_ternarylogic_epi32(
         _mm512_subs_epu8(back1, _mm512_set1_epi8(0x40)),
         _mm512_subs_epu8(back2, _mm512_set1_epi8(0x60)),
@@ -120,6 +113,25 @@ TAVREL_AVX512 __m512i Utf8Faults(__m512i block, __m512i previous) {
     __m512i const mismatch = _mm512_ternarylogic_epi32(needed, block, _mm512_slli_epi16(block, 1),
                                                        0xB4);  // a ^ (b & ~c)
     return _mm512_or_si512(mismatch, _mm512_subs_epu8(block, _mm512_set1_epi8(0x78)));
+}
+
+// The same for block, given the 64 bytes before it.
+TAVREL_AVX512 __m512i Utf8Faults(__m512i block, __m512i previous) {
+    // The 16 bytes before each 16-byte lane of block: the last lane of previous, then block's.
+    // NOTE: the zero-masked form with every lane kept, since GCC 12 warns that the plain
+    // form's undefined start value may be used.
+    __m512i const before = _mm512_maskz_alignr_epi64(0xFF, block, previous, 6);
+    return Utf8FaultsOf(block, _mm512_alignr_epi8(block, before, 15),
+                        _mm512_alignr_epi8(block, before, 14),
+                        _mm512_alignr_epi8(block, before, 13));
+}
+
+// The same for block, read from at, with at least 3 bytes of the text before it: the bytes 1, 2
+// and 3 before each byte come from loads at at - 1, at - 2 and at - 3.
+// NOTE: loads rather than shuffles, since the load ports are idle here while the shuffles
+// compete with the arithmetic for the vector unit.
+TAVREL_AVX512 __m512i Utf8FaultsAt(__m512i block, char const* at) {
+    return Utf8FaultsOf(block, Load(at - 1), Load(at - 2), Load(at - 3));
 }
 
 // Whether a sequence begun in the last 3 bytes of a block needs bytes behind it.
@@ -155,7 +167,11 @@ TAVREL_AVX512 std::size_t Utf8CheckedPrefix(char const* bytes, std::size_t size)
             }
             continue;
         }
-        if (High(_mm512_or_si512(Utf8Faults(first, previous), Utf8Faults(second, first))) != 0) {
+        __m512i const faults =
+            i >= 3 ? _mm512_or_si512(Utf8FaultsAt(first, bytes + i),
+                                     Utf8FaultsAt(second, bytes + i + 64))
+                   : _mm512_or_si512(Utf8Faults(first, previous), Utf8Faults(second, first));
+        if (High(faults) != 0) {
             break;
         }
         previous = second;
