@@ -577,7 +577,7 @@ TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std:
     if (std::size_t const lead = AlignmentLead(in + d.read); lead != 0 && size - d.read >= reach) {
         DropOccurrences<false>(d, lead, pattern, probes, from);
     }
-    while (size - d.read >= 3 * 64 + reach) {
+    while (size - d.read >= 3 * std::size_t{64} + reach) {
         char const* const at = in + d.read;
         if (size - d.read >= kPrefetchAhead + 256) {
             Prefetch256(at + kPrefetchAhead);
