@@ -27,6 +27,11 @@ def parse(argv):
                    help="only files under this path, e.g. strings/ (repeatable)")
     p.add_argument("--operator", action="append", default=[], choices=OPERATORS,
                    help="only mutants of this operator (repeatable)")
+    p.add_argument("--rerun", type=Path, metavar="RESULTS",
+                   help="judge again only the sample's mutants that RESULTS (the results.tsv of "
+                        "an earlier run on the same sources) lists as killed")
+    p.add_argument("--killed-by", metavar="REGEX",
+                   help="with --rerun: only those that a test matching REGEX killed")
     p.add_argument("--list", action="store_true",
                    help="print the sample (and the totals per operator), build nothing")
     p.add_argument("--timeout", type=int, default=0,
@@ -59,6 +64,8 @@ def main(argv=None):
     files = candidate_files(ws.src, compiled)
     population = all_mutants(ws.src, files, args.path, args.operator)
     chosen = sample(population, args.seed, args.count)
+    if args.rerun:
+        chosen = report.killed_again(chosen, args.rerun, args.killed_by)
     if args.list:
         print_list(population, chosen)
         return 0
@@ -118,6 +125,8 @@ def measure(args, ws, commit, population, chosen):
 
 def finish(args, ws, commit, results, population, elapsed):
     header = [f"tools/mutate --seed {args.seed} --count {args.count}" +
+              (f" --rerun {args.rerun}" if args.rerun else "") +
+              (f" --killed-by '{args.killed_by}'" if args.killed_by else "") +
               "".join(f" --path {p}" for p in args.path) +
               "".join(f" --operator {o}" for o in args.operator),
               f"commit {commit}; {len(results)} mutants judged of {population}; "

@@ -6,6 +6,7 @@ into an equivalent mutant or a gap in the tests. A second file, results.tsv, hol
 per mutant with its outcome and the tests that failed, for finding which test kills what.
 """
 
+import re
 from collections import Counter
 
 from .operators import OPERATORS
@@ -58,3 +59,17 @@ def write_results(path, results):
         lines.append(f"{r.outcome}\t{place(r.mutant)}\t{r.mutant.operator}\t{r.mutant.change()}"
                      f"\t{tests}\t{r.build_seconds:.1f}\t{r.test_seconds:.1f}")
     path.write_text("\n".join(lines) + "\n")
+
+
+def killed_again(chosen, results_file, killed_by=None):
+    """The mutants of chosen that results_file (a results.tsv) lists as killed, by a test that
+    matches the regular expression killed_by when it is given. A mutant is known by its place
+    and change, so results_file must come from the same sources."""
+    pattern = re.compile(killed_by) if killed_by else None
+    wanted = set()
+    for line in results_file.read_text().splitlines()[1:]:
+        outcome, where, _, change, tests = line.split("\t")[:5]
+        names = tests.replace(" (time limit)", "").split(",")
+        if outcome == KILLED and (pattern is None or any(pattern.search(n) for n in names if n)):
+            wanted.add((where, change))
+    return [m for m in chosen if (place(m), m.change()) in wanted]
