@@ -1,6 +1,9 @@
 #include "minihost/script/FunctionTable.h"
 
+#include <algorithm>
 #include <utility>
+
+#include "minihost/script/Suggestions.h"
 
 namespace minihost {
 
@@ -41,12 +44,9 @@ std::vector<Signature const*> FunctionTable::Candidates(std::string_view name, s
         }
     }
     if (named.empty()) {
-        std::vector<Signature const*> all;
-        for (Signature const& signature : mSignatures) {
-            all.push_back(&signature);
-        }
-        error = "unknown function '" + std::string(name) + "'; the module offers:\n" +
-                ListSignatures(all);
+        std::string const question = DidYouMean(ClosestNames(name, Names()));
+        error = "no function '" + std::string(name) + "'" +
+                (question.empty() ? " (help lists the module's functions)" : "; " + question);
     } else if (fitting.empty()) {
         error = "no form of '" + std::string(name) + "' takes " + Arguments(count) + "; there " +
                 (named.size() == 1 ? "is" : "are") + ":\n" + ListSignatures(named);
@@ -55,6 +55,16 @@ std::vector<Signature const*> FunctionTable::Candidates(std::string_view name, s
         error.pop_back();
     }
     return fitting;
+}
+
+std::vector<std::string> FunctionTable::Names() const {
+    std::vector<std::string> names;
+    for (Signature const& signature : mSignatures) {
+        if (std::find(names.begin(), names.end(), signature.name) == names.end()) {
+            names.push_back(signature.name);
+        }
+    }
+    return names;
 }
 
 Signature const* FunctionTable::Choose(std::vector<Signature const*> const& candidates,

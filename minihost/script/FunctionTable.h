@@ -20,10 +20,16 @@ public:
 
     std::vector<Signature> const& signatures() const { return mSignatures; }
 
+    // The script names, each once, in the order of the definition text.
+    //   {"Size", "Binary.ToDataRef", "ToDataRef", ...} (13 signatures, 9 names)
+    std::vector<std::string> Names() const;
+
     // The signatures of that name that take count arguments, in the order of the definition
-    // text. When there is none, the result is empty and error says why, with the signatures
-    // that do exist on the lines below it (each indented by two blanks):
-    //   unknown name       => "unknown function 'Sise'; the module offers:\n  Size (DATAREF)..."
+    // text. When there is none, the result is empty and error says why: an unknown name with
+    // the closest names (Suggestions.h), a known one with the signatures of that name on the
+    // lines below it (each indented by two blanks):
+    //   unknown name       => "no function 'size'; did you mean 'Size'?"
+    //   nothing close      => "no function 'Frob' (help lists the module's functions)"
     //   no form with count => "no form of 'Binary.Slice' takes 1 argument; there are:\n
     //                          Binary.Slice (DATAREF,NUMBER,NUMBER)\n  Binary.Slice
     //                          (DATAREF,NUMBER)"
