@@ -64,6 +64,10 @@ std::vector<std::string_view> LinesOf(std::string_view source) {
     return lines;
 }
 
+bool IsBlankLine(std::string_view line) {
+    return line.find_first_not_of(" \t\r") == std::string_view::npos;
+}
+
 bool IsCommentLine(std::string_view line) {
     std::size_t const first = line.find_first_not_of(" \t");
     return first != std::string_view::npos && line[first] == '#';
@@ -108,6 +112,9 @@ RunStatus Interpreter::Run(std::string_view source, std::string const& file, int
                 return RunStatus::kReports;
             }
         }
+        if (mSettings.echo) {
+            EchoComments(static_cast<int>(lines.size()) + firstLine, lines, firstLine);
+        }
     } catch (ScriptError const& error) {
         mOut.flush();
         mErr << error.Format(mFile) << '\n';
@@ -118,14 +125,22 @@ RunStatus Interpreter::Run(std::string_view source, std::string const& file, int
     return mHadReports ? RunStatus::kReports : RunStatus::kClean;
 }
 
-void Interpreter::Echo(Statement const& statement, std::vector<std::string_view> const& lines,
-                       int firstLine) {
-    for (int line = mEchoedUpTo + 1; line < statement.position.line; ++line) {
+void Interpreter::EchoComments(int before, std::vector<std::string_view> const& lines,
+                               int firstLine) {
+    for (int line = mEchoedUpTo + 1; line < before; ++line) {
         std::size_t const index = static_cast<std::size_t>(line - firstLine);
         if (index < lines.size() && IsCommentLine(lines[index])) {
-            mOut << lines[index] << '\n';
+            // A blank line in front of a comment stays, so that steps stand apart.
+            bool const apart = line > mEchoedUpTo + 1 && IsBlankLine(lines[index - 1]);
+            mOut << (apart ? "\n" : "") << lines[index] << '\n';
         }
     }
+    mOut.flush();
+}
+
+void Interpreter::Echo(Statement const& statement, std::vector<std::string_view> const& lines,
+                       int firstLine) {
+    EchoComments(statement.position.line, lines, firstLine);
     mEchoedUpTo = statement.lastLine;
     mOut << mFile << ':' << statement.position.line << "> " << statement.text << std::endl;
 }

@@ -40,7 +40,8 @@ struct InterpreterSettings {
     // put the word that a Ctrl-C interrupted a statement on a line of its own.
     bool prompt = false;
     // --echo: print each statement, and each comment on a line of its own before it, ahead
-    // of what the statement prints: "<file>:<line>> <statement as written>".
+    // of what the statement prints: "<file>:<line>> <statement as written>"; the comments
+    // after the last statement at the end.
     bool echo = false;
     // --full: print STRING and DATAREF values whole (ValuePrinter).
     bool full = false;
@@ -76,6 +77,9 @@ public:
     void WatchSandbox(SandboxPolicy* sandbox) { mSandbox = sandbox; }
 
 private:
+    // Prints the comments on lines of their own after the last statement echoed and before
+    // the line before.
+    void EchoComments(int before, std::vector<std::string_view> const& lines, int firstLine);
     // Prints the comments on lines of their own before statement, then statement itself.
     void Echo(Statement const& statement, std::vector<std::string_view> const& lines,
               int firstLine);
