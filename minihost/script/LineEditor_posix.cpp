@@ -1,4 +1,6 @@
 // LineEditor with GNU readline.
+#include <poll.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -32,19 +34,43 @@ bool gDropped = false;
 std::vector<std::string> gMatches;
 std::size_t gNextMatch = 0;
 
-// Reads one byte for readline. A Ctrl-C (the read comes back with EINTR and the flag set)
-// drops what was typed and ends the line, so the prompt starts afresh.
+bool Interrupted() { return gContext != nullptr && gContext->Interface_IsInterrupted(); }
+
+// Waits until fd has input; false when a Ctrl-C (or another signal) came first.
+// NOTE: SIGINT is blocked from the look at the flag until ppoll lets it in for the wait, so a
+// Ctrl-C that comes in between cuts the wait short, instead of leaving the prompt asleep with
+// the flag set until the next key.
+bool AwaitInput(int fd) {
+    sigset_t interrupt;
+    sigemptyset(&interrupt);
+    sigaddset(&interrupt, SIGINT);
+    sigset_t open;
+    ::pthread_sigmask(SIG_BLOCK, &interrupt, &open);
+    bool ready = !Interrupted();
+    if (ready) {
+        pollfd input{fd, POLLIN, 0};
+        ready = ::ppoll(&input, 1, nullptr, &open) >= 0 || errno != EINTR;
+    }
+    ::pthread_sigmask(SIG_SETMASK, &open, nullptr);
+    return ready;
+}
+
+// Reads one byte for readline. A Ctrl-C (the flag set) drops what was typed and ends the
+// line, so the prompt starts afresh.
 int InterruptibleGetc(FILE* stream) {
+    int const fd = ::fileno(stream);
     while (true) {
-        unsigned char byte = 0;
-        ssize_t const n = ::read(::fileno(stream), &byte, 1);
-        if (n == 1) {
-            return byte;
+        if (AwaitInput(fd)) {
+            unsigned char byte = 0;
+            ssize_t const n = ::read(fd, &byte, 1);
+            if (n == 1) {
+                return byte;
+            }
+            if (n == 0 || errno != EINTR) {
+                return EOF;
+            }
         }
-        if (n == 0 || errno != EINTR) {
-            return EOF;
-        }
-        if (gContext != nullptr && gContext->Interface_IsInterrupted()) {
+        if (Interrupted()) {
             gContext->ClearInterrupt();
             ArmInterruption(*gContext);
             rl_replace_line("", 0);
