@@ -2,7 +2,8 @@
 // or an expression on its own); an expression is a string, a number, a variable or a call. A call
 // names a script function (resolved through the module's definition text) or, written
 // `call <entry>(...)`, an exported entry that is called directly. Every node keeps the place
-// where it starts, and a statement its text as written. The tree holds no values of the host and resolves no names.
+// where it starts, and a statement its text as written. The tree holds no values of the host and
+// resolves no names.
 //
 // Each kind of statement and of expression is one alternative of a std::variant, and every
 // pass over the tree (the checker, the interpreter) takes them apart with std::visit and an

@@ -51,8 +51,9 @@ private:
         }
         std::string message = "unknown variable '" + variable.name + "'";
         if (IsPromptCommandName(variable.name)) {
-            message += "; help, quit and exit are commands of the interactive prompt, alone on "
-                       "a line";
+            message +=
+                "; help, quit and exit are commands of the interactive prompt, alone on "
+                "a line";
         } else {
             std::vector<std::string> const known(mVariables.begin(), mVariables.end());
             std::string const question = DidYouMean(ClosestNames(variable.name, known));

@@ -38,7 +38,8 @@ bool ReadDumpBound(char const* name, double value, unsigned long long& bound, st
 
 // The bytes that a dump of size bytes shows: from offset, count of them at most, cut to what
 // exists.
-//   (10, 0, max) => [0, 10);  (10, 4, 3) => [4, 7);  (10, 8, 5) => [8, 10);  (10, 20, 1) => [10, 10)
+//   (10, 0, max) => [0, 10);  (10, 4, 3) => [4, 7);  (10, 8, 5) => [8, 10);  (10, 20, 1) => [10,
+//   10)
 ByteRange DumpRange(unsigned long long size, unsigned long long offset, unsigned long long count);
 
 // Writes the dump of the bytes of data in range, read in blocks through its interface. It

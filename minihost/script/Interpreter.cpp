@@ -146,24 +146,23 @@ void Interpreter::Echo(Statement const& statement, std::vector<std::string_view>
 }
 
 void Interpreter::Execute(Statement const& statement) {
-    std::visit(
-        Overloaded{
-            [this](Assignment const& assignment) {
-                Variant value = Evaluate(assignment.value);
-                mVariables.insert_or_assign(assignment.name, std::move(value));
-            },
-            [this](Print const& print) {
-                mOut << FormatValue(Evaluate(print.value), mSettings.full) << '\n';
-            },
-            [this](Dump const& dump) { ExecuteDump(dump); },
-            [this](ExpressionStatement const& alone) {
-                Variant const value = Evaluate(alone.value);
-                if (mSettings.prompt) {
-                    mOut << FormatValue(value, mSettings.full) << '\n';
-                }
-            },
-        },
-        statement.node);
+    std::visit(Overloaded{
+                   [this](Assignment const& assignment) {
+                       Variant value = Evaluate(assignment.value);
+                       mVariables.insert_or_assign(assignment.name, std::move(value));
+                   },
+                   [this](Print const& print) {
+                       mOut << FormatValue(Evaluate(print.value), mSettings.full) << '\n';
+                   },
+                   [this](Dump const& dump) { ExecuteDump(dump); },
+                   [this](ExpressionStatement const& alone) {
+                       Variant const value = Evaluate(alone.value);
+                       if (mSettings.prompt) {
+                           mOut << FormatValue(value, mSettings.full) << '\n';
+                       }
+                   },
+               },
+               statement.node);
 }
 
 void Interpreter::ExecuteDump(Dump const& dump) {
@@ -172,8 +171,8 @@ void Interpreter::ExecuteDump(Dump const& dump) {
     for (std::size_t i = 0; i < dump.range.size(); ++i) {
         char const* name = i == 0 ? "offset" : "count";
         Variant const number = Evaluate(dump.range[i]);
-        std::string error = "the " + std::string(name) + " must be a NUMBER, not " +
-                            TypeName(number.type());
+        std::string error =
+            "the " + std::string(name) + " must be a NUMBER, not " + TypeName(number.type());
         if (number.type() != Tavrel::VariantType::kNumber ||
             !ReadDumpBound(name, number.number(), bounds[i], error)) {
             throw ScriptError(dump.range[i].position, "dump: " + error);

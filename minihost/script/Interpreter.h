@@ -17,12 +17,12 @@
 #include <string_view>
 #include <vector>
 
-#include "minihost/script/Ast.h"
 #include "minihost/host/Context.h"
-#include "minihost/script/FunctionTable.h"
 #include "minihost/host/ModuleLoader.h"
 #include "minihost/host/SandboxPolicy.h"
 #include "minihost/host/Variant.h"
+#include "minihost/script/Ast.h"
+#include "minihost/script/FunctionTable.h"
 
 namespace minihost {
 

@@ -167,8 +167,8 @@ LineRead ReadLine(char const* prompt, std::string& line) {
 }
 
 void RememberLine(std::string const& line) {
-    HIST_ENTRY const* last = history_length > 0 ? history_get(history_base + history_length - 1)
-                                                : nullptr;
+    HIST_ENTRY const* last =
+        history_length > 0 ? history_get(history_base + history_length - 1) : nullptr;
     if (line.empty() || (last != nullptr && line == last->line)) {
         return;
     }

@@ -40,7 +40,8 @@ void StartEditing(Context& context, Completer /*complete*/) { gContext = &contex
 LineRead ReadLine(char const* prompt, std::string& line) {
     std::cout << prompt << std::flush;
     bool const got = static_cast<bool>(std::getline(std::cin, line));
-    if (gContext != nullptr && (got ? gContext->Interface_IsInterrupted() : CutShortByCtrlC(*gContext))) {
+    if (gContext != nullptr &&
+        (got ? gContext->Interface_IsInterrupted() : CutShortByCtrlC(*gContext))) {
         std::cin.clear();
         std::clearerr(stdin);
         gContext->ClearInterrupt();

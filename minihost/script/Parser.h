@@ -7,8 +7,8 @@
 //               | "call" name "(" arguments ")"
 //   arguments  := [ expression { "," expression } ]   (a line may end after "(" or ",")
 //
-// "print", "dump" and "call" are reserved. A variable name has no dots. It does not check that names
-// exist: the checker does that against the module and the variables assigned so far.
+// "print", "dump" and "call" are reserved. A variable name has no dots. It does not check that
+// names exist: the checker does that against the module and the variables assigned so far.
 #pragma once
 
 #include <array>

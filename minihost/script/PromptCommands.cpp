@@ -133,14 +133,13 @@ PromptCommand ReadPromptCommand(std::string_view line) {
 }
 
 bool IsPromptCommandName(std::string_view name) {
-    return std::find(kPromptCommands.begin(), kPromptCommands.end(), name) !=
-           kPromptCommands.end();
+    return std::find(kPromptCommands.begin(), kPromptCommands.end(), name) != kPromptCommands.end();
 }
 
 std::string Banner(std::string_view moduleName, std::string_view version) {
     return std::string(moduleName) + " " + std::string(version) +
-           " on minihost. Type help for the functions and statements, quit or "
-           MINIHOST_END_OF_INPUT " to leave.\n";
+           " on minihost. Type help for the functions and statements, quit "
+           "or " MINIHOST_END_OF_INPUT " to leave.\n";
 }
 
 std::string PromptHelp(FunctionTable const& table) {

@@ -44,8 +44,8 @@ std::string DescribeStatus(unsigned int status) {
     return "argument " + std::to_string(PositionOf(status)) + ": " + CodeWords(CodeOf(status));
 }
 
-std::string DescribeBindingFailure(Signature const& signature, std::vector<std::string> const& given,
-                                   unsigned int status) {
+std::string DescribeBindingFailure(Signature const& signature,
+                                   std::vector<std::string> const& given, unsigned int status) {
     unsigned int const position = PositionOf(status);
     std::string const place =
         "argument " + std::to_string(position) + " of " + FormatSignature(signature) + ": ";

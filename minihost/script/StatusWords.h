@@ -31,7 +31,7 @@ std::string DescribeStatus(unsigned int status);
 //                         user-defined value (status 65540)"
 //   a position that the signature has no parameter for, or another code => DescribeStatus's
 //                         words: "argument 2 of Size (DATAREF): wrong argument (status 131074)"
-std::string DescribeBindingFailure(Signature const& signature, std::vector<std::string> const& given,
-                                   unsigned int status);
+std::string DescribeBindingFailure(Signature const& signature,
+                                   std::vector<std::string> const& given, unsigned int status);
 
 }  // namespace minihost

@@ -100,9 +100,9 @@ bool ScriptText(Options const& options, std::string& text, std::string& name, st
 // Runs the script, the -e statements, standard input or the prompt.
 int RunScripts(Options const& options, ReadyModule& ready, Context& context,
                SandboxPolicy& sandbox) {
-    InterpreterSettings const settings{options.strict,
-                                       options.mode == Mode::kStandardIn && StandardInputIsTerminal(),
-                                       options.echo, options.full};
+    InterpreterSettings const settings{
+        options.strict, options.mode == Mode::kStandardIn && StandardInputIsTerminal(),
+        options.echo, options.full};
     Interpreter interpreter(*ready.module, ready.table, context, std::cout, std::cerr, settings);
     interpreter.WatchSandbox(&sandbox);
     if (settings.prompt) {

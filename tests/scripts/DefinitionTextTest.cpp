@@ -140,12 +140,18 @@ TEST(StatusWords, BindingFailuresSayWhatWasExpectedAndWhatCame) {
         std::string words;
     };
     Row const rows[] = {
-        {{"DATAREF"}, 131073, "argument 2 of Slice (DATAREF,NUMBER): expected NUMBER, got no "
-                              "argument (status 131073)"},
-        {{"type 21"}, 65540, "argument 1 of Slice (DATAREF,NUMBER): expected DATAREF, got an "
-                             "empty user-defined value (status 65540)"},
-        {{"DATAREF"}, 131074, "argument 2 of Slice (DATAREF,NUMBER): expected NUMBER, got no "
-                              "argument (status 131074)"},
+        {{"DATAREF"},
+         131073,
+         "argument 2 of Slice (DATAREF,NUMBER): expected NUMBER, got no "
+         "argument (status 131073)"},
+        {{"type 21"},
+         65540,
+         "argument 1 of Slice (DATAREF,NUMBER): expected DATAREF, got an "
+         "empty user-defined value (status 65540)"},
+        {{"DATAREF"},
+         131074,
+         "argument 2 of Slice (DATAREF,NUMBER): expected NUMBER, got no "
+         "argument (status 131074)"},
         {{}, 196610, "argument 3 of Slice (DATAREF,NUMBER): wrong argument (status 196610)"},
         {{"STRING"}, 2, "argument 0 of Slice (DATAREF,NUMBER): wrong argument (status 2)"},
         {{"STRING"}, 65539, "argument 1 of Slice (DATAREF,NUMBER): unknown code 3 (status 65539)"},

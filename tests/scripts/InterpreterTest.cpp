@@ -98,13 +98,15 @@ TEST(Interpreter, FaultsNameWhatWasExpected) {
     };
     Row const rows[] = {
         {"print greting", "2||t:1:7: unknown variable 'greting'; did you mean 'greeting'?\n"},
-        {"quit", "2||t:1:1: unknown variable 'quit'; help, quit and exit are commands of the "
-                 "interactive prompt, alone on a line\n"},
+        {"quit",
+         "2||t:1:1: unknown variable 'quit'; help, quit and exit are commands of the "
+         "interactive prompt, alone on a line\n"},
         {"print size(greeting)", "2||t:1:7: no function 'size'; did you mean 'Size'?\n"},
         {"Slice(greeting, 1)", "2||t:1:1: no function 'Slice'; did you mean 'Binary.Slice'?\n"},
         {"todataref(\"a\")",
          "2||t:1:1: no function 'todataref'; did you mean 'ToDataRef' or 'Binary.ToDataRef'?\n"},
-        {"Frobnicate()", "2||t:1:1: no function 'Frobnicate' (help lists the module's functions)\n"},
+        {"Frobnicate()",
+         "2||t:1:1: no function 'Frobnicate' (help lists the module's functions)\n"},
         {"call tavrel_module_BinarySise(1)",
          "2||t:1:1: unknown entry 'tavrel_module_BinarySise'; did you mean "
          "'tavrel_module_BinarySize' or 'tavrel_module_BinarySlice'?\n"},

@@ -5,8 +5,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
-#include <sys/ioctl.h>
-#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -15,6 +13,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
 #include <vector>
 
 #include "testing/TestFiles.h"
@@ -117,7 +117,8 @@ private:
 
     // Reads what is there, waiting until deadline for something; false at the end.
     bool ReadSome(Clock::time_point deadline) {
-        auto const left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+        auto const left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
         pollfd ready{mMaster, POLLIN, 0};
         if (::poll(&ready, 1, static_cast<int>(std::max<long long>(left.count(), 0))) <= 0) {
             return false;
@@ -139,8 +140,8 @@ private:
 };
 
 struct Step {
-    std::string keys;    // typed, "\t" for Tab, "\x03" Ctrl-C, "\x10" Ctrl-P (back in history)
-    std::string shown;   // must show after the steps before
+    std::string keys;   // typed, "\t" for Tab, "\x03" Ctrl-C, "\x10" Ctrl-P (back in history)
+    std::string shown;  // must show after the steps before
 };
 
 // Types each step and awaits what it must show; then the session ends with quit or Ctrl-D.
@@ -151,7 +152,8 @@ void RunSession(TempDir const& dir, std::string const& stateHome, std::vector<St
         terminal.Type(step.keys);
         ASSERT_TRUE(terminal.WaitFor(step.shown))
             << "after typing '" << step.keys << "' the screen did not show '" << step.shown
-            << "' but:\n" << terminal.Rest();
+            << "' but:\n"
+            << terminal.Rest();
     }
     EXPECT_EQ(terminal.ExitStatus(), 0) << terminal.Rest();
 }
@@ -161,12 +163,14 @@ TEST(Prompt, AnswersAsAPersonTypes) {
     dir.Write("data.bin", "12345");
     RunSession(dir, dir.Path("state"),
                {
-                   {"", "Binary 1.5.0.0 on minihost. Type help for the functions and statements, "
-                        "quit or Ctrl-D to leave."},
+                   {"",
+                    "Binary 1.5.0.0 on minihost. Type help for the functions and statements, "
+                    "quit or Ctrl-D to leave."},
                    {"", "tvl> "},
                    {"help\n", "Script functions (help NAME shows one; Tab completes names):"},
-                   {"", "  Binary.Slice         (DATAREF,NUMBER,NUMBER) -> DATAREF\r\n"
-                        "                       (DATAREF,NUMBER) -> DATAREF\r\n"},
+                   {"",
+                    "  Binary.Slice         (DATAREF,NUMBER,NUMBER) -> DATAREF\r\n"
+                    "                       (DATAREF,NUMBER) -> DATAREF\r\n"},
                    {"help Binary.Copy\n", "CONST_FUNCTION, entry tavrel_module_BinaryCopyPart"},
                    {"greeting = ToDataRef(\"hello\")\n", "tvl> "},
                    // Tab completes a function, a variable, and a file inside a string.
@@ -198,8 +202,11 @@ TEST(Prompt, KeepsTheHistoryAcrossSessions) {
         RunSession(dir, row.stateHome, {{"", "tvl> "}, {"x = 42\n", "tvl> "}, {"\x04", ""}});
         // Back twice: the line before this session's first.
         RunSession(dir, row.stateHome,
-                   {{"", "tvl> "}, {"print 7\n", "7"}, {"\x10\x10\n", "tvl> "},
-                    {"print x\n", "42"}, {"exit\n", ""}});
+                   {{"", "tvl> "},
+                    {"print 7\n", "7"},
+                    {"\x10\x10\n", "tvl> "},
+                    {"print x\n", "42"},
+                    {"exit\n", ""}});
         EXPECT_TRUE(std::filesystem::is_regular_file(row.file));
     }
 }

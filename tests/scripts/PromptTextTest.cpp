@@ -22,26 +22,26 @@ std::string Joined(std::vector<std::string> const& words) {
 }
 
 TEST(Suggestions, OfferOnlyCloseNamesBestFirst) {
-    std::vector<std::string> const known{"Size",     "Binary.ToDataRef", "ToDataRef", "Binary.Slice",
-                                         "ToString", "Binary.Copy",      "X"};
+    std::vector<std::string> const known{
+        "Size", "Binary.ToDataRef", "ToDataRef", "Binary.Slice", "ToString", "Binary.Copy", "X"};
     struct Row {
         std::string name;
         std::string suggested;
     };
     Row const rows[] = {
         {"size", "Size"},
-        {"Szie", "Size"},       // two neighbours swapped count once
+        {"Szie", "Size"},  // two neighbours swapped count once
         {"Sise", "Size"},
         {"Slice", "Binary.Slice"},
         {"Binary.Size", "Size Binary.Slice"},
         {"todataref", "ToDataRef Binary.ToDataRef"},
         {"Binary.copy", "Binary.Copy"},
         {"x", "X"},
-        {"y", ""},              // a short name may differ only in case
+        {"y", ""},  // a short name may differ only in case
         {"Sx", ""},
         {"ToStrings", "ToString"},
-        {"ToStringsss", ""},    // three edits are too many
-        {"Size", ""},           // the name itself is no suggestion
+        {"ToStringsss", ""},  // three edits are too many
+        {"Size", ""},         // the name itself is no suggestion
         {"", ""},
     };
     for (Row const& row : rows) {
@@ -72,15 +72,14 @@ TEST(Completion, OffersFunctionsVariablesWordsAndCommands) {
         {"print Si", "Size("},
         {"x = Size(d", "data dump dump2"},
         {"s", "size"},
-        {"q", "quit"},        // a command, at the start of a line only
+        {"q", "quit"},  // a command, at the start of a line only
         {"print q", ""},
         {"  he", "help"},
         {"print ", "Binary.Slice( Size( ToString( call data dump dump2 print size"},
     };
     for (Row const& row : rows) {
-        std::size_t const start = row.line.find_last_of(" (") == std::string::npos
-                                      ? 0
-                                      : row.line.find_last_of(" (") + 1;
+        std::size_t const start =
+            row.line.find_last_of(" (") == std::string::npos ? 0 : row.line.find_last_of(" (") + 1;
         EXPECT_EQ(Joined(CompleteName(row.line, start, row.line.substr(start), table, variables)),
                   row.offered)
             << "row " << row.line;
@@ -94,7 +93,7 @@ TEST(Completion, KnowsWhenTheWordIsInsideAString) {
     };
     Row const rows[] = {
         {"Binary.MapFile(\"da", true}, {"f(\"a\", b", false}, {"f(\"a\\\"b", true},
-        {"f(\"a\\\\\", b", false},     {"x # \"a", false},     {"f(\"#\", \"a", true},
+        {"f(\"a\\\\\", b", false},     {"x # \"a", false},    {"f(\"#\", \"a", true},
     };
     for (Row const& row : rows) {
         EXPECT_EQ(InsideString(row.line, row.line.size()), row.inside) << "row " << row.line;
@@ -141,8 +140,9 @@ TEST(PromptCommands, HelpGroupsTheFormsOfEachName) {
         std::string text;
     };
     Row const rows[] = {
-        {"Binary.Slice", "Binary.Slice (DATAREF,NUMBER,NUMBER) -> DATAREF  K, entry b3\n"
-                         "Binary.Slice (DATAREF,NUMBER) -> DATAREF         K, entry b2\n"},
+        {"Binary.Slice",
+         "Binary.Slice (DATAREF,NUMBER,NUMBER) -> DATAREF  K, entry b3\n"
+         "Binary.Slice (DATAREF,NUMBER) -> DATAREF         K, entry b2\n"},
         {"dump", "  dump EXPR[, OFFSET[, COUNT]]  show the bytes of a DATAREF or STRING in hex\n"},
         {"exit", PromptHelp(table, "quit")},
         {"slice", "no function 'slice'; did you mean 'Binary.Slice'?\n"},
@@ -158,9 +158,9 @@ TEST(Parse, KnowsWhenALineEndsInsideACall) {
         bool inside;
     };
     Row const rows[] = {
-        {"print Size(", true}, {"f(a,", true},  {"f(g(\n1,", true},  {"f( # c", true},
-        {"x = 1; f(", true},   {"", false},     {"print Size(d)", false}, {"f(a", false},
-        {"f(\"(", false},      {"x = 1,", false}, {"f(1))(", false}, {"f(\"a", false},
+        {"print Size(", true}, {"f(a,", true},    {"f(g(\n1,", true},       {"f( # c", true},
+        {"x = 1; f(", true},   {"", false},       {"print Size(d)", false}, {"f(a", false},
+        {"f(\"(", false},      {"x = 1,", false}, {"f(1))(", false},        {"f(\"a", false},
     };
     for (Row const& row : rows) {
         EXPECT_EQ(EndsInsideCall(row.source), row.inside) << "row " << row.source;

@@ -98,9 +98,10 @@ TEST(HexDump, ShowsOffsetHexAndText) {
          "00000000  48 65 6c 6c 6f 2c 20 54  61 76 72 65 6c 21        |Hello, Tavrel!|\n"},
         {"0123456789abcdef!", 0x10,
          "00000010  30 31 32 33 34 35 36 37  38 39 61 62 63 64 65 66  |0123456789abcdef|\n"
-         "00000020  21" + gap + " |!|\n"},
-        {"\0\n~\x7f\xff"s, 0xabc, "00000abc  00 0a 7e 7f ff" + std::string(3 * 11 + 2, ' ') +
-                                      " |..~..|\n"},
+         "00000020  21" +
+             gap + " |!|\n"},
+        {"\0\n~\x7f\xff"s, 0xabc,
+         "00000abc  00 0a 7e 7f ff" + std::string(3 * 11 + 2, ' ') + " |..~..|\n"},
         {"A", 0x100000000ULL, "100000000  41" + gap + " |A|\n"},
     };
     for (Row const& row : rows) {
@@ -116,9 +117,15 @@ TEST(HexDump, ReadsTheRangeAsTheModuleDoes) {
         std::string range;  // "begin-end", or the error
     };
     Row const rows[] = {
-        {0, 1e300, "0-10"},  {4, 3, "4-7"},   {8, 5, "8-10"}, {20, 1, "10-10"},
-        {2.9, 0.5, "2-2"},   {-0.5, 2, "0-2"}, {-1, 2, "the offset -1 is negative"},
-        {0, -2, "the count -2 is negative"},  {std::nan(""), 1, "the offset nan is no number"},
+        {0, 1e300, "0-10"},
+        {4, 3, "4-7"},
+        {8, 5, "8-10"},
+        {20, 1, "10-10"},
+        {2.9, 0.5, "2-2"},
+        {-0.5, 2, "0-2"},
+        {-1, 2, "the offset -1 is negative"},
+        {0, -2, "the count -2 is negative"},
+        {std::nan(""), 1, "the offset nan is no number"},
     };
     for (Row const& row : rows) {
         unsigned long long offset = all;
@@ -137,7 +144,8 @@ TEST(HexDump, ReadsABufferInBlocksAndStopsAtAShortRead) {
     std::string bytes(65536 + 21, 'q');
     bytes[65536] = '\n';
     std::ostringstream whole;
-    WriteHexDump(whole, *Host(bytes, {false, 0}).get(), ByteRange{3, bytes.size()}, [] { return false; });
+    WriteHexDump(whole, *Host(bytes, {false, 0}).get(), ByteRange{3, bytes.size()},
+                 [] { return false; });
     EXPECT_EQ(whole.str(), HexDump(std::string_view(bytes).substr(3), 3));
     std::ostringstream cut;
     WriteHexDump(cut, *Host(bytes, {false, 20}).get(), ByteRange{0, 40}, [] { return false; });
