@@ -10,11 +10,14 @@ namespace minihost {
 
 namespace {
 
-// How the end of input is typed at a console.
+// How the end of input is typed at a console, and what Tab does there (a plain Windows
+// console line completes nothing).
 #if defined(_WIN32)
 #define MINIHOST_END_OF_INPUT "Ctrl-Z then Enter"
+#define MINIHOST_TAB_HINT ""
 #else
 #define MINIHOST_END_OF_INPUT "Ctrl-D"
+#define MINIHOST_TAB_HINT "; Tab completes names"
 #endif
 
 // One line of the help about a statement or a command. names: the words, separated by blanks,
@@ -148,7 +151,7 @@ std::string PromptHelp(FunctionTable const& table) {
         text += UsageLine(usage);
     }
     text += "Commands of the prompt:\n" + UsageLine(kCommands[0]) + UsageLine(kCommands[1]);
-    return text + "Script functions (help NAME shows one; Tab completes names):\n" +
+    return text + "Script functions (help NAME shows one" MINIHOST_TAB_HINT "):\n" +
            FunctionList(table);
 }
 

@@ -56,6 +56,10 @@ TEST(Interpreter, AnInterruptedRunStopsAfterTheStatementWithoutAReport) {
     Session session(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new InterruptingPolicy()));
     EXPECT_EQ(session.Run("print \"a\"\nprint Binary.MapFile(\"f\")\nprint \"never\""),
               "1|\"a\"\nnull\n|t:2:1: interrupted\n");
+    // At the prompt the word stands on a line of its own, below the ^C that the terminal shows.
+    Session prompt(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new InterruptingPolicy()),
+                   InterpreterSettings{false, true, false, false});
+    EXPECT_EQ(prompt.Run("Binary.MapFile(\"f\")"), "1|null\n|\nt:1:1: interrupted\n");
 }
 
 TEST(Interpreter, VariablesLastAcrossRunsButAFaultyRunDefinesNothing) {
