@@ -120,7 +120,7 @@ std::string HistoryFile() {
 
 // The history file, its directory made; "" after a line that says why when there is none.
 std::string PrepareHistoryFile() {
-    std::string const file = HistoryFile();
+    std::string file = HistoryFile();
     std::error_code error;
     if (!file.empty()) {
         std::filesystem::create_directories(std::filesystem::path(file).parent_path(), error);

@@ -181,6 +181,13 @@ Options:
   --allow-all            let Binary.MapFile read any file the user can read
   -h, --help             print this help and exit
 
+Examples:
+  minihost                               the prompt: type help, then Binary.Sl and Tab
+  minihost --echo examples/tour.tvl      the tour, each statement before its result
+  minihost -e 'dump ToDataRef("Hi\r\n")'  the bytes in hex: 00000000  48 69 0d 0a ...
+  minihost --full -e 'print ToString(Binary.MapFile("notes.txt"))'   the whole text
+  minihost --describe                    the module file loaded, and its functions
+
 Exit status:
   0  the script ran without error reports
   1  the module reported errors (or the run was interrupted with Ctrl-C)

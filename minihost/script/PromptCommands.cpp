@@ -166,13 +166,11 @@ std::string PromptHelp(FunctionTable const& table, std::string_view topic) {
             return UsageLine(usage);
         }
     }
-    std::string const forms = FunctionForms(table, topic);
+    std::string forms = FunctionForms(table, topic);
     if (!forms.empty()) {
         return forms;
     }
-    std::string error;
-    table.Candidates(topic, 0, error);
-    return error + '\n';
+    return table.UnknownFunction(topic) + '\n';
 }
 
 }  // namespace minihost

@@ -107,6 +107,9 @@ TEST(Interpreter, FaultsNameWhatWasExpected) {
          "interactive prompt, alone on a line\n"},
         {"print size(greeting)", "2||t:1:7: no function 'size'; did you mean 'Size'?\n"},
         {"Slice(greeting, 1)", "2||t:1:1: no function 'Slice'; did you mean 'Binary.Slice'?\n"},
+        {"size(greeting, 1)",
+         "2||t:1:1: no function 'size'; did you mean 'Size'? But no form of 'Size' takes 2 "
+         "arguments; there is:\n  Size (DATAREF)\n"},
         {"todataref(\"a\")",
          "2||t:1:1: no function 'todataref'; did you mean 'ToDataRef' or 'Binary.ToDataRef'?\n"},
         {"Frobnicate()",

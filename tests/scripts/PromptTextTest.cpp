@@ -146,6 +146,7 @@ TEST(PromptCommands, HelpGroupsTheFormsOfEachName) {
         {"dump", "  dump EXPR[, OFFSET[, COUNT]]  show the bytes of a DATAREF or STRING in hex\n"},
         {"exit", PromptHelp(table, "quit")},
         {"slice", "no function 'slice'; did you mean 'Binary.Slice'?\n"},
+        {"Frob", "no function 'Frob' (help lists the module's functions)\n"},
     };
     for (Row const& row : rows) {
         EXPECT_EQ(PromptHelp(table, row.topic), row.text) << "row " << row.topic;
