@@ -1,5 +1,6 @@
 #include "minihost/script/Interpreter.h"
 
+#include <algorithm>
 #include <utility>
 #include <variant>
 
@@ -165,19 +166,27 @@ void Interpreter::Execute(Statement const& statement) {
                statement.node);
 }
 
-void Interpreter::ExecuteDump(Dump const& dump) {
-    Variant const value = Evaluate(dump.value);
-    unsigned long long bounds[] = {0, ~0ULL};  // offset, count
-    for (std::size_t i = 0; i < dump.range.size(); ++i) {
+std::array<unsigned long long, 2> Interpreter::DumpBounds(Dump const& dump) {
+    std::array<unsigned long long, 2> bounds{0, ~0ULL};  // the offset and the count
+    for (std::size_t i = 0; i < dump.range.size() && i < bounds.size(); ++i) {
         char const* name = i == 0 ? "offset" : "count";
         Variant const number = Evaluate(dump.range[i]);
-        std::string error =
-            "the " + std::string(name) + " must be a NUMBER, not " + TypeName(number.type());
-        if (number.type() != Tavrel::VariantType::kNumber ||
-            !ReadDumpBound(name, number.number(), bounds[i], error)) {
+        if (number.type() != Tavrel::VariantType::kNumber) {
+            throw ScriptError(dump.range[i].position, "dump: the " + std::string(name) +
+                                                          " must be a NUMBER, not " +
+                                                          TypeName(number.type()));
+        }
+        std::string error;
+        if (!ReadDumpBound(name, number.number(), bounds[i], error)) {
             throw ScriptError(dump.range[i].position, "dump: " + error);
         }
     }
+    return bounds;
+}
+
+void Interpreter::ExecuteDump(Dump const& dump) {
+    Variant const value = Evaluate(dump.value);
+    std::array<unsigned long long, 2> const bounds = DumpBounds(dump);
     unsigned int const type = value.type();
     if (type != Tavrel::VariantType::kString && type != Tavrel::VariantType::kDataRef) {
         throw ScriptError(dump.value.position,

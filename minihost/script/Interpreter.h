@@ -10,6 +10,7 @@
 // them). It neither loads modules nor installs signal handlers: the program does that.
 #pragma once
 
+#include <array>
 #include <map>
 #include <ostream>
 #include <set>
@@ -85,6 +86,8 @@ private:
               int firstLine);
     void Execute(Statement const& statement);
     void ExecuteDump(Dump const& dump);
+    // The offset and the count that a dump gives, evaluated (none: 0 and the largest number).
+    std::array<unsigned long long, 2> DumpBounds(Dump const& dump);
     Variant Evaluate(Expression const& expression);
     Variant EvaluateCall(Call const& call, SourcePosition position);
     Signature const& Resolve(Call const& call, std::vector<Variant> const& arguments,
