@@ -41,10 +41,20 @@ FileHandle SandboxPolicy::OpenForReading(char const* path) const {
     if (found == kNoFile) {
         return kNoFile;
     }
-    FileHandle const file =
-        RegularFileSize(found) >= 0 && IsAllowed(found) ? ReopenForReading(found) : kNoFile;
+    bool const regular = RegularFileSize(found) >= 0;
+    bool const allowed = regular && IsAllowed(found);
+    FileHandle const file = allowed ? ReopenForReading(found) : kNoFile;
     CloseFile(found);
+    if (regular && !allowed) {
+        std::lock_guard<std::mutex> const lock(mRefusedLock);
+        mRefused.emplace_back(path);
+    }
     return file;
+}
+
+std::vector<std::string> SandboxPolicy::TakeRefusals() {
+    std::lock_guard<std::mutex> const lock(mRefusedLock);
+    return std::exchange(mRefused, {});
 }
 
 bool SandboxPolicy::IsAllowed(FileHandle found) const {

@@ -9,10 +9,12 @@
 // name again: a directory swapped for a link between the check and the open cannot bring in
 // a file from elsewhere, since what is checked is what is read. Where the system cannot tell
 // the path behind a handle (no /proc), every path is refused. A refused path gives no data,
-// as a missing file does, and the module reports it. On Windows, names of devices ("NUL",
+// as a missing file does, and the module reports it; the policy keeps the path, so that the
+// program can tell the user which option would let it in. On Windows, names of devices ("NUL",
 // "\\.\pipe\p", anything in "\\.\" or "\\?\") are refused before anything is opened.
 #pragma once
 
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -45,6 +47,12 @@ public:
     // The allowed directories as resolved.
     std::vector<std::string> const& allowedDirectories() const { return mAllowed; }
 
+    // The paths, as the script gave them, of the regular files refused for lying outside the
+    // allowed directories since the last call, oldest first; each is given out once. A
+    // missing file, a directory, a FIFO or a device is no refusal of the sandbox.
+    //   MapFile("/etc/passwd") => {"/etc/passwd"}, then {};  MapFile("missing") => {}
+    std::vector<std::string> TakeRefusals();
+
 protected:
     // Opens path, read against the base, for reading when the file it names is a regular
     // file under an allowed directory (any file with allowAll), else kNoFile.
@@ -61,6 +69,8 @@ private:
     std::string mBase;
     std::vector<std::string> mAllowed;
     bool mAllowAll;
+    mutable std::mutex mRefusedLock;
+    mutable std::vector<std::string> mRefused;
 };
 
 }  // namespace minihost

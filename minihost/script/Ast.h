@@ -1,8 +1,9 @@
-// Ast: the tree of a parsed script. A script is a list of statements (assignment, print, or
-// an expression on its own); an expression is a string, a number, a variable or a call. A call
+// Ast: the tree of a parsed script. A script is a list of statements (assignment, print, dump,
+// or an expression on its own); an expression is a string, a number, a variable or a call. A call
 // names a script function (resolved through the module's definition text) or, written
 // `call <entry>(...)`, an exported entry that is called directly. Every node keeps the place
-// where it starts. The tree holds no values of the host and resolves no names.
+// where it starts, and a statement its text as written. The tree holds no values of the host and
+// resolves no names.
 //
 // Each kind of statement and of expression is one alternative of a std::variant, and every
 // pass over the tree (the checker, the interpreter) takes them apart with std::visit and an
@@ -62,13 +63,21 @@ struct Print {
     Expression value;
 };
 
+// `dump value[, offset[, count]]`: range holds the offset and the count that were written.
+struct Dump {
+    Expression value;
+    std::vector<Expression> range;
+};
+
 struct ExpressionStatement {
     Expression value;
 };
 
 struct Statement {
     SourcePosition position;
-    std::variant<Assignment, Print, ExpressionStatement> node;
+    std::variant<Assignment, Print, Dump, ExpressionStatement> node;
+    std::string text;  // as written, from its first byte to its last (line ends included)
+    int lastLine = 1;  // the line where it ends
 };
 
 using Program = std::vector<Statement>;

@@ -2,6 +2,9 @@
 
 #include <variant>
 
+#include "minihost/script/PromptCommands.h"
+#include "minihost/script/Suggestions.h"
+
 namespace minihost {
 
 namespace {
@@ -19,6 +22,12 @@ public:
                            mVariables.insert(assignment.name);
                        },
                        [this](Print const& print) { CheckExpression(print.value); },
+                       [this](Dump const& dump) {
+                           CheckExpression(dump.value);
+                           for (Expression const& bound : dump.range) {
+                               CheckExpression(bound);
+                           }
+                       },
                        [this](ExpressionStatement const& alone) { CheckExpression(alone.value); },
                    },
                    statement.node);
@@ -37,9 +46,20 @@ private:
     }
 
     void CheckVariable(VariableRef const& variable, SourcePosition position) const {
-        if (mVariables.count(variable.name) == 0) {
-            throw ScriptError(position, "unknown variable '" + variable.name + "'");
+        if (mVariables.count(variable.name) != 0) {
+            return;
         }
+        std::string message = "unknown variable '" + variable.name + "'";
+        if (IsPromptCommandName(variable.name)) {
+            message +=
+                "; help, quit and exit are commands of the interactive prompt, alone on "
+                "a line";
+        } else {
+            std::vector<std::string> const known(mVariables.begin(), mVariables.end());
+            std::string const question = DidYouMean(ClosestNames(variable.name, known));
+            message += question.empty() ? "" : "; " + question;
+        }
+        throw ScriptError(position, message);
     }
 
     // The name first, then the arguments: faults are met in the order of the text.
@@ -65,11 +85,15 @@ private:
         if (mTable.FindEntry(call.name) != nullptr) {
             return;
         }
+        std::vector<std::string> entries;
         std::string list;
         for (Signature const& signature : mTable.signatures()) {
+            entries.push_back(signature.entry);
             list += "\n  " + signature.entry;
         }
-        throw ScriptError(position, "unknown entry '" + call.name + "'; the entries are:" + list);
+        std::string const question = DidYouMean(ClosestNames(call.name, entries));
+        throw ScriptError(position, "unknown entry '" + call.name + "'; " +
+                                        (question.empty() ? "the entries are:" + list : question));
     }
 
     FunctionTable const& mTable;

@@ -156,3 +156,12 @@ std::string_view TypeWord(unsigned int typeNumber) {
 }
 
 }  // namespace minihost
+
+namespace minihost {
+
+std::string TypeName(unsigned int typeNumber) {
+    std::string_view const word = TypeWord(typeNumber);
+    return word.empty() ? "type " + std::to_string(typeNumber) : std::string(word);
+}
+
+}  // namespace minihost

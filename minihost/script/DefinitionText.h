@@ -40,4 +40,8 @@ std::string FormatSignature(Signature const& signature);
 // 13 => "DATAREF"; anything else => "" (which no parameter word equals).
 std::string_view TypeWord(unsigned int typeNumber);
 
+// The type of a value as messages name it: its definition word, else "type <number>".
+//   9 => "STRING";  21 => "type 21";  0 (nothing assigned) => "type 0"
+std::string TypeName(unsigned int typeNumber);
+
 }  // namespace minihost

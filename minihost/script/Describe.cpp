@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "minihost/host/SystemFiles.h"
 #include "minihost/script/ModuleSetup.h"
 
 namespace minihost {
@@ -83,6 +84,8 @@ void PrintTable(std::vector<Row> const& rows, std::ostream& out) {
 
 void Describe(LoadedModule const& module, FunctionTable const& table, std::ostream& out) {
     Line(out, "Module", ModuleName(module.Path()));
+    std::string file;
+    Line(out, "Module file", ResolveRealPath("", module.Path(), file) ? file : module.Path());
     for (FixedText const& fixed : kFixedTexts) {
         Line(out, fixed.label, Shown(module.Text(fixed.function)));
     }

@@ -1,6 +1,9 @@
 #include "minihost/script/FunctionTable.h"
 
+#include <algorithm>
 #include <utility>
+
+#include "minihost/script/Suggestions.h"
 
 namespace minihost {
 
@@ -8,6 +11,13 @@ namespace {
 
 std::string Arguments(std::size_t count) {
     return std::to_string(count) + (count == 1 ? " argument" : " arguments");
+}
+
+// "no form of 'F' takes 2 arguments; there is:\n  F (DATAREF)\n"
+std::string NoForm(std::string_view name, std::size_t count,
+                   std::vector<Signature const*> const& named) {
+    return "no form of '" + std::string(name) + "' takes " + Arguments(count) + "; there " +
+           (named.size() == 1 ? "is" : "are") + ":\n" + FunctionTable::ListSignatures(named);
 }
 
 bool Fits(Signature const& signature, std::vector<std::string_view> const& typeWords) {
@@ -29,32 +39,60 @@ FunctionTable::FunctionTable(std::vector<Signature> signatures)
 
 std::vector<Signature const*> FunctionTable::Candidates(std::string_view name, std::size_t count,
                                                         std::string& error) const {
-    error.clear();
-    std::vector<Signature const*> named;
+    std::vector<Signature const*> const named = Named(name);
     std::vector<Signature const*> fitting;
-    for (Signature const& signature : mSignatures) {
-        if (signature.name == name) {
-            named.push_back(&signature);
-            if (signature.parameters.size() == count) {
-                fitting.push_back(&signature);
-            }
+    for (Signature const* signature : named) {
+        if (signature->parameters.size() == count) {
+            fitting.push_back(signature);
         }
     }
+    error.clear();
     if (named.empty()) {
-        std::vector<Signature const*> all;
-        for (Signature const& signature : mSignatures) {
-            all.push_back(&signature);
-        }
-        error = "unknown function '" + std::string(name) + "'; the module offers:\n" +
-                ListSignatures(all);
+        error = UnknownName(name, count);
     } else if (fitting.empty()) {
-        error = "no form of '" + std::string(name) + "' takes " + Arguments(count) + "; there " +
-                (named.size() == 1 ? "is" : "are") + ":\n" + ListSignatures(named);
+        error = NoForm(name, count, named);
     }
     if (!error.empty() && error.back() == '\n') {
         error.pop_back();
     }
     return fitting;
+}
+
+std::vector<Signature const*> FunctionTable::Named(std::string_view name) const {
+    std::vector<Signature const*> named;
+    for (Signature const& signature : mSignatures) {
+        if (signature.name == name) {
+            named.push_back(&signature);
+        }
+    }
+    return named;
+}
+
+std::string FunctionTable::UnknownFunction(std::string_view name) const {
+    std::string const question = DidYouMean(ClosestNames(name, Names()));
+    return "no function '" + std::string(name) + "'" +
+           (question.empty() ? " (help lists the module's functions)" : "; " + question);
+}
+
+std::string FunctionTable::UnknownName(std::string_view name, std::size_t count) const {
+    std::vector<std::string> const close = ClosestNames(name, Names());
+    std::vector<Signature const*> const best =
+        close.empty() ? std::vector<Signature const*>{} : Named(close.front());
+    bool const fits = std::any_of(best.begin(), best.end(), [count](Signature const* signature) {
+        return signature->parameters.size() == count;
+    });
+    std::string const text = UnknownFunction(name);
+    return best.empty() || fits ? text : text + " But " + NoForm(close.front(), count, best);
+}
+
+std::vector<std::string> FunctionTable::Names() const {
+    std::vector<std::string> names;
+    for (Signature const& signature : mSignatures) {
+        if (std::find(names.begin(), names.end(), signature.name) == names.end()) {
+            names.push_back(signature.name);
+        }
+    }
+    return names;
 }
 
 Signature const* FunctionTable::Choose(std::vector<Signature const*> const& candidates,

@@ -20,15 +20,28 @@ public:
 
     std::vector<Signature> const& signatures() const { return mSignatures; }
 
+    // The script names, each once, in the order of the definition text.
+    //   {"Size", "Binary.ToDataRef", "ToDataRef", ...} (13 signatures, 9 names)
+    std::vector<std::string> Names() const;
+
     // The signatures of that name that take count arguments, in the order of the definition
-    // text. When there is none, the result is empty and error says why, with the signatures
-    // that do exist on the lines below it (each indented by two blanks):
-    //   unknown name       => "unknown function 'Sise'; the module offers:\n  Size (DATAREF)..."
+    // text. When there is none, the result is empty and error says why: an unknown name with
+    // the closest names (Suggestions.h), a known one with the signatures of that name on the
+    // lines below it (each indented by two blanks):
+    //   unknown name       => "no function 'size'; did you mean 'Size'?"
+    //   ... whose closest name takes another count => "no function 'size'; did you mean 'Size'?
+    //                         But no form of 'Size' takes 2 arguments; there is:\n  Size (DATAREF)"
+    //   nothing close      => "no function 'Frob' (help lists the module's functions)"
     //   no form with count => "no form of 'Binary.Slice' takes 1 argument; there are:\n
     //                          Binary.Slice (DATAREF,NUMBER,NUMBER)\n  Binary.Slice
     //                          (DATAREF,NUMBER)"
     std::vector<Signature const*> Candidates(std::string_view name, std::size_t count,
                                              std::string& error) const;
+
+    // The error for a name that no signature has, with the closest names (Suggestions.h):
+    //   "size" => "no function 'size'; did you mean 'Size'?"
+    //   "Frob" => "no function 'Frob' (help lists the module's functions)"
+    std::string UnknownFunction(std::string_view name) const;
 
     // The one candidate to call for arguments of these type words (see TypeWord):
     //   exactly one candidate         => it, whether the types fit or not, so that the
@@ -46,6 +59,12 @@ public:
     static std::string ListSignatures(std::vector<Signature const*> const& signatures);
 
 private:
+    // The signatures of that name, in order.
+    std::vector<Signature const*> Named(std::string_view name) const;
+    // The error for a name that no signature has: the closest names, and the forms of the
+    // closest when none takes count arguments.
+    std::string UnknownName(std::string_view name, std::size_t count) const;
+
     std::vector<Signature> mSignatures;
 };
 

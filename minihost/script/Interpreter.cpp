@@ -1,9 +1,12 @@
 #include "minihost/script/Interpreter.h"
 
+#include <algorithm>
 #include <utility>
 #include <variant>
 
+#include "host/VariantType.h"
 #include "minihost/script/Checker.h"
+#include "minihost/script/HexDump.h"
 #include "minihost/script/Parser.h"
 #include "minihost/script/StatusWords.h"
 #include "minihost/script/ValuePrinter.h"
@@ -28,14 +31,47 @@ std::string ReportText(ErrorReport const& report) {
            Visible(report.reason);
 }
 
-std::string TypeList(std::vector<Variant> const& arguments) {
-    std::string text = "(";
-    for (std::size_t i = 0; i < arguments.size(); ++i) {
-        std::string_view const word = TypeWord(arguments[i].type());
-        text += (i == 0 ? "" : ",");
-        text += word.empty() ? "type " + std::to_string(arguments[i].type()) : std::string(word);
+std::string RefusalText(std::string const& path) {
+    return "minihost: the sandbox refused '" + Visible(path) +
+           "', which lies outside the directories that scripts may read; --allow DIR lets them "
+           "read under DIR (--allow-all anywhere)";
+}
+
+std::vector<std::string> TypeNames(std::vector<Variant> const& arguments) {
+    std::vector<std::string> names;
+    names.reserve(arguments.size());
+    for (Variant const& argument : arguments) {
+        names.push_back(TypeName(argument.type()));
     }
-    return text + ")";
+    return names;
+}
+
+std::string TypeList(std::vector<Variant> const& arguments) {
+    std::string text;
+    for (std::string const& name : TypeNames(arguments)) {
+        text += (text.empty() ? "" : ",") + name;
+    }
+    return "(" + text + ")";
+}
+
+// The lines of source, without their line ends.
+std::vector<std::string_view> LinesOf(std::string_view source) {
+    std::vector<std::string_view> lines;
+    for (std::size_t start = 0; start <= source.size();) {
+        std::size_t const end = std::min(source.find('\n', start), source.size());
+        lines.push_back(source.substr(start, end - start));
+        start = end + 1;
+    }
+    return lines;
+}
+
+bool IsBlankLine(std::string_view line) {
+    return line.find_first_not_of(" \t\r") == std::string_view::npos;
+}
+
+bool IsCommentLine(std::string_view line) {
+    std::size_t const first = line.find_first_not_of(" \t");
+    return first != std::string_view::npos && line[first] == '#';
 }
 
 }  // namespace
@@ -59,16 +95,26 @@ std::set<std::string> Interpreter::VariableNames() const {
 RunStatus Interpreter::Run(std::string_view source, std::string const& file, int firstLine) {
     mFile = file;
     mHadReports = false;
+    mEchoedUpTo = firstLine - 1;
     try {
         Program const program = Parse(source, firstLine);
         CheckProgram(program, mTable, VariableNames());
+        std::vector<std::string_view> const lines =
+            mSettings.echo ? LinesOf(source) : std::vector<std::string_view>{};
         for (Statement const& statement : program) {
+            if (mSettings.echo) {
+                Echo(statement, lines, firstLine);
+            }
             Execute(statement);
             if (mContext.Interface_IsInterrupted()) {
                 mOut.flush();
-                mErr << FormatAt(mFile, statement.position, "interrupted") << '\n';
+                mErr << (mSettings.prompt ? "\n" : "")
+                     << FormatAt(mFile, statement.position, "interrupted") << '\n';
                 return RunStatus::kReports;
             }
+        }
+        if (mSettings.echo) {
+            EchoComments(static_cast<int>(lines.size()) + firstLine, lines, firstLine);
         }
     } catch (ScriptError const& error) {
         mOut.flush();
@@ -80,22 +126,87 @@ RunStatus Interpreter::Run(std::string_view source, std::string const& file, int
     return mHadReports ? RunStatus::kReports : RunStatus::kClean;
 }
 
+void Interpreter::EchoComments(int before, std::vector<std::string_view> const& lines,
+                               int firstLine) {
+    for (int line = mEchoedUpTo + 1; line < before; ++line) {
+        std::size_t const index = static_cast<std::size_t>(line - firstLine);
+        if (index < lines.size() && IsCommentLine(lines[index])) {
+            // A blank line in front of a comment stays, so that steps stand apart.
+            bool const apart = line > mEchoedUpTo + 1 && IsBlankLine(lines[index - 1]);
+            mOut << (apart ? "\n" : "") << lines[index] << '\n';
+        }
+    }
+    mOut.flush();
+}
+
+void Interpreter::Echo(Statement const& statement, std::vector<std::string_view> const& lines,
+                       int firstLine) {
+    EchoComments(statement.position.line, lines, firstLine);
+    mEchoedUpTo = statement.lastLine;
+    mOut << mFile << ':' << statement.position.line << "> " << statement.text << std::endl;
+}
+
 void Interpreter::Execute(Statement const& statement) {
-    std::visit(
-        Overloaded{
-            [this](Assignment const& assignment) {
-                Variant value = Evaluate(assignment.value);
-                mVariables.insert_or_assign(assignment.name, std::move(value));
-            },
-            [this](Print const& print) { mOut << FormatValue(Evaluate(print.value)) << '\n'; },
-            [this](ExpressionStatement const& alone) {
-                Variant const value = Evaluate(alone.value);
-                if (mSettings.echo) {
-                    mOut << FormatValue(value) << '\n';
-                }
-            },
-        },
-        statement.node);
+    std::visit(Overloaded{
+                   [this](Assignment const& assignment) {
+                       Variant value = Evaluate(assignment.value);
+                       mVariables.insert_or_assign(assignment.name, std::move(value));
+                   },
+                   [this](Print const& print) {
+                       mOut << FormatValue(Evaluate(print.value), mSettings.full) << '\n';
+                   },
+                   [this](Dump const& dump) { ExecuteDump(dump); },
+                   [this](ExpressionStatement const& alone) {
+                       Variant const value = Evaluate(alone.value);
+                       if (mSettings.prompt) {
+                           mOut << FormatValue(value, mSettings.full) << '\n';
+                       }
+                   },
+               },
+               statement.node);
+}
+
+std::array<unsigned long long, 2> Interpreter::DumpBounds(Dump const& dump) {
+    std::array<unsigned long long, 2> bounds{0, ~0ULL};  // the offset and the count
+    for (std::size_t i = 0; i < dump.range.size() && i < bounds.size(); ++i) {
+        char const* name = i == 0 ? "offset" : "count";
+        Variant const number = Evaluate(dump.range[i]);
+        if (number.type() != Tavrel::VariantType::kNumber) {
+            throw ScriptError(dump.range[i].position, "dump: the " + std::string(name) +
+                                                          " must be a NUMBER, not " +
+                                                          TypeName(number.type()));
+        }
+        std::string error;
+        if (!ReadDumpBound(name, number.number(), bounds[i], error)) {
+            throw ScriptError(dump.range[i].position, "dump: " + error);
+        }
+    }
+    return bounds;
+}
+
+void Interpreter::ExecuteDump(Dump const& dump) {
+    Variant const value = Evaluate(dump.value);
+    std::array<unsigned long long, 2> const bounds = DumpBounds(dump);
+    unsigned int const type = value.type();
+    if (type != Tavrel::VariantType::kString && type != Tavrel::VariantType::kDataRef) {
+        throw ScriptError(dump.value.position,
+                          "dump shows a DATAREF or a STRING, not " + TypeName(type));
+    }
+    Tavrel::AutoRefPtr<Tavrel::IDataRef> const data = value.data();
+    if (type == Tavrel::VariantType::kDataRef && !data) {
+        mOut << "null\n";
+        return;
+    }
+    std::string_view const bytes = value.string();
+    ByteRange const range = DumpRange(data ? data->GetSize() : bytes.size(), bounds[0], bounds[1]);
+    if (range.begin == range.end) {
+        mOut << "(no bytes)\n";
+    } else if (data) {
+        WriteHexDump(mOut, *data.get(), range,
+                     [this] { return mContext.Interface_IsInterrupted(); });
+    } else {
+        mOut << HexDump(bytes.substr(range.begin, range.end - range.begin), range.begin);
+    }
 }
 
 Variant Interpreter::Evaluate(Expression const& expression) {
@@ -128,9 +239,8 @@ Variant Interpreter::EvaluateCall(Call const& call, SourcePosition position) {
     unsigned int const status = Invoke(signature.entry, arguments, result);
     FlushReports(position);
     if (status != 0) {
-        throw ScriptError(position, "binding failed for " + FormatSignature(signature) + ": " +
-                                        DescribeStatus(status) + " (status " +
-                                        std::to_string(status) + ")");
+        throw ScriptError(position,
+                          DescribeBindingFailure(signature, TypeNames(arguments), status));
     }
     return result;
 }
@@ -173,13 +283,19 @@ unsigned int Interpreter::Invoke(std::string const& entry, std::vector<Variant>&
 void Interpreter::FlushReports(SourcePosition position) {
     std::vector<ErrorReport> reports = std::move(mPending);
     mPending.clear();
-    if (!reports.empty()) {
-        // Keep what print showed so far in front of the reports when both streams meet.
-        mOut.flush();
+    std::vector<std::string> const refused =
+        mSandbox != nullptr ? mSandbox->TakeRefusals() : std::vector<std::string>{};
+    if (reports.empty() && refused.empty()) {
+        return;
     }
+    // Keep what print showed so far in front of the reports when both streams meet.
+    mOut.flush();
     for (ErrorReport const& report : reports) {
         mErr << FormatAt(mFile, position, ReportText(report)) << '\n';
         mHadReports = true;
+    }
+    for (std::string const& path : refused) {
+        mErr << RefusalText(path) << '\n';
     }
     if (mSettings.strict && !reports.empty()) {
         throw StrictStop{};

@@ -2,11 +2,15 @@
 // and checks the whole text first, then runs its statements in order. A call is resolved
 // through the module's definition text and made through the exported entry, with host
 // variants as arguments and result. Error reports from the module go to the error stream
-// with the place of the call, and the script goes on; a failed binding stops it.
+// with the place of the call, and the script goes on; a failed binding stops it. A file that
+// the sandbox refused adds a line that names it and the option that would let it in.
+// Standard output is flushed before anything goes to the error stream, so that both keep
+// their order when they meet in one pipe.
 // Variables live as long as the interpreter, across runs (so an interactive session keeps
 // them). It neither loads modules nor installs signal handlers: the program does that.
 #pragma once
 
+#include <array>
 #include <map>
 #include <ostream>
 #include <set>
@@ -14,11 +18,12 @@
 #include <string_view>
 #include <vector>
 
-#include "minihost/script/Ast.h"
 #include "minihost/host/Context.h"
-#include "minihost/script/FunctionTable.h"
 #include "minihost/host/ModuleLoader.h"
+#include "minihost/host/SandboxPolicy.h"
 #include "minihost/host/Variant.h"
+#include "minihost/script/Ast.h"
+#include "minihost/script/FunctionTable.h"
 
 namespace minihost {
 
@@ -32,8 +37,15 @@ enum class RunStatus : int {
 struct InterpreterSettings {
     // Stop at the first error report.
     bool strict = false;
-    // Print the value of a statement that is only an expression (the interactive prompt).
+    // The interactive prompt: print the value of a statement that is only an expression, and
+    // put the word that a Ctrl-C interrupted a statement on a line of its own.
+    bool prompt = false;
+    // --echo: print each statement, and each comment on a line of its own before it, ahead
+    // of what the statement prints: "<file>:<line>> <statement as written>"; the comments
+    // after the last statement at the end.
     bool echo = false;
+    // --full: print STRING and DATAREF values whole (ValuePrinter).
+    bool full = false;
 };
 
 class Interpreter {
@@ -61,8 +73,21 @@ public:
     // The names of the variables assigned so far.
     std::set<std::string> VariableNames() const;
 
+    // Names each path that sandbox refuses during a call, right after the call's reports.
+    // sandbox must outlive the interpreter; null stops it.
+    void WatchSandbox(SandboxPolicy* sandbox) { mSandbox = sandbox; }
+
 private:
+    // Prints the comments on lines of their own after the last statement echoed and before
+    // the line before.
+    void EchoComments(int before, std::vector<std::string_view> const& lines, int firstLine);
+    // Prints the comments on lines of their own before statement, then statement itself.
+    void Echo(Statement const& statement, std::vector<std::string_view> const& lines,
+              int firstLine);
     void Execute(Statement const& statement);
+    void ExecuteDump(Dump const& dump);
+    // The offset and the count that a dump gives, evaluated (none: 0 and the largest number).
+    std::array<unsigned long long, 2> DumpBounds(Dump const& dump);
     Variant Evaluate(Expression const& expression);
     Variant EvaluateCall(Call const& call, SourcePosition position);
     Signature const& Resolve(Call const& call, std::vector<Variant> const& arguments,
@@ -77,9 +102,11 @@ private:
     std::ostream& mOut;
     std::ostream& mErr;
     InterpreterSettings mSettings;
+    SandboxPolicy* mSandbox = nullptr;
     std::map<std::string, Variant> mVariables;
     std::vector<ErrorReport> mPending;
     std::string mFile;
+    int mEchoedUpTo = 0;  // the last line that Echo has dealt with
     bool mHadReports = false;
 };
 

@@ -14,7 +14,9 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsNameStart(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
 bool IsNameChar(char c) { return IsNameStart(c) || IsDigit(c); }
 
-// The value of a hex digit, or -1.
+// The UTF-8 byte-order mark that some editors put in front of a text.
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
 // Script text as a message quotes it: non-printable bytes as \xNN, the rest as written.
 std::string Shown(std::string_view text) {
     std::string out;
@@ -22,6 +24,7 @@ std::string Shown(std::string_view text) {
     return out;
 }
 
+// The value of a hex digit, or -1.
 int HexValue(char c) {
     if (IsDigit(c)) {
         return c - '0';
@@ -37,14 +40,22 @@ int HexValue(char c) {
 
 class Scanner {
 public:
-    Scanner(std::string_view source, int firstLine) : mSource(source) { mHere.line = firstLine; }
+    Scanner(std::string_view source, int firstLine) : mSource(source) {
+        mHere.line = firstLine;
+        if (mSource.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+            mIndex = kByteOrderMark.size();
+        }
+    }
 
     std::vector<Token> Run() {
         std::vector<Token> tokens;
         while (SkipBlanksAndComments()) {
+            std::size_t const begin = mIndex;
             tokens.push_back(NextToken());
+            tokens.back().begin = begin;
+            tokens.back().end = mIndex;
         }
-        tokens.push_back(Token{TokenKind::kEnd, {}, 0.0, mHere});
+        tokens.push_back(Token{TokenKind::kEnd, {}, 0.0, mHere, mIndex, mIndex});
         return tokens;
     }
 
@@ -186,7 +197,7 @@ private:
         double value = 0.0;
         auto const result = std::from_chars(text.data() + digits, text.data() + text.size(), value);
         if (result.ec != std::errc() || std::isinf(value)) {
-            throw ScriptError(start, "number out of range");
+            throw ScriptError(start, "number out of range: " + text);
         }
         return Token{TokenKind::kNumber, text, text[0] == '-' ? -value : value, start};
     }
@@ -207,6 +218,12 @@ private:
                 return;
             case 't':
                 bytes += '\t';
+                return;
+            case 'r':
+                bytes += '\r';
+                return;
+            case '0':
+                bytes += '\0';
                 return;
             case '\\':
                 bytes += '\\';

@@ -1,7 +1,8 @@
 // Lexer: splits the text of a script into tokens: names (dotted, as in Binary.Slice), numbers
 // with sign and fraction, string literals with their escapes decoded, the punctuation
 // ( ) , = and the ends of statements (a line end or ';'). Comments run from '#' to the end of
-// the line and make no token. It knows no keywords and no grammar: that is the parser's work.
+// the line and make no token; a UTF-8 byte-order mark at the very start is skipped. It knows
+// no keywords and no grammar: that is the parser's work.
 #pragma once
 
 #include <string>
@@ -29,6 +30,9 @@ struct Token {
     std::string text;
     double number = 0.0;
     SourcePosition position;
+    // The token's bytes in the source: [begin, end) (for kEnd: the end of the source).
+    std::size_t begin = 0;
+    std::size_t end = 0;
 };
 
 // The tokens of source, ending with one kEnd token. Line numbers start at firstLine.
@@ -39,11 +43,12 @@ struct Token {
 //   "\"a\\qb\""      => "bad escape '\q'";  "\"\\x4\"" => "bad escape '\x4': \x takes two
 //                       hex digits"
 //   "-x", "1.", "1e" => "malformed number"
-//   "1e999"          => "number out of range"
+//   "1e999"          => "number out of range: 1e999" (beyond what a double holds)
 //   "Binary."        => "malformed name 'Binary.'"
 //   "@", "\0"        => "unexpected character '@'" / "unexpected character '\x00'"
 // Accepted: "" => [kEnd];  "x = -1.5e3 # c" => name, '=', number -1500, kEnd;
-//   "\"\\x00\\\"\"" => one string of the two bytes NUL and '"'.
+//   "\"\\x00\\\"\"" => one string of the two bytes NUL and '"';  "\"\\r\\0\"" => CR and NUL;
+//   "\xEF\xBB\xBFx" => name 'x' at column 1 (the byte-order mark takes no column).
 std::vector<Token> Tokenize(std::string_view source, int firstLine = 1);
 
 // How a token is named in a message: "name 'x'", "number 1.5", "string \"ab\"", "'('",

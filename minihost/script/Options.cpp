@@ -111,6 +111,12 @@ private:
         if (option.name == "--allow-all") {
             return Flag(option, mOptions.allowAll, error);
         }
+        if (option.name == "--echo") {
+            return Flag(option, mOptions.echo, error);
+        }
+        if (option.name == "--full") {
+            return Flag(option, mOptions.full, error);
+        }
         if (option.name == "-e" || option.name == "--eval") {
             return Value(option, value, error) && SetScript(value, Mode::kEval, error);
         }
@@ -149,23 +155,38 @@ std::string HelpText() {
 
 Runs Tavrel scripts against the Binary module, loading it as the Tavrel host does. With no
 script, minihost gives an interactive prompt on a terminal and otherwise reads the script
-from standard input.
+from standard input. At the prompt, help lists the functions and statements, help NAME
+shows one, Tab completes names (and file names inside a string), a line that ends after
+'(' or ',' goes on with the next, and quit, exit or the end of input leave.
 
 Options:
   -e, --eval STATEMENTS  run STATEMENTS (separated by ';' or line ends) instead of a file
-  --describe             print the module's name, versions, state, platforms, dependencies
-                         and its script functions as its definition text gives them; exit
+  --describe             print the module's name and file, versions, state, platforms,
+                         dependencies and its script functions as its definition text gives
+                         them; exit
   --module PATH          load the module from PATH instead of the one installed beside the
                          program (<prefix>/lib/tavrel/modules/)" +
            module + R"(, or in the build
                          tree ../module/)" +
            module + R"()
   --strict               stop at the first error report from the module
+  --echo                 print each statement, with its file and line, before what it
+                         prints or reports, and each comment line before it:
+                         t.tvl:3> print Size(d)
+  --full                 print STRING and DATAREF values whole; without it a DATAREF, and a
+                         STRING longer than 256 bytes, show their size and first 48 bytes
   --allow DIR            let Binary.MapFile read files under DIR as well (repeatable); by
                          default it reads only under the script's directory and the
                          current directory
   --allow-all            let Binary.MapFile read any file the user can read
   -h, --help             print this help and exit
+
+Examples:
+  minihost                               the prompt: type help, then Binary.Sl and Tab
+  minihost --echo examples/tour.tvl      the tour, each statement before its result
+  minihost -e 'dump ToDataRef("Hi\r\n")'  the bytes in hex: 00000000  48 69 0d 0a ...
+  minihost --full -e 'print ToString(Binary.MapFile("notes.txt"))'   the whole text
+  minihost --describe                    the module file loaded, and its functions
 
 Exit status:
   0  the script ran without error reports

@@ -22,6 +22,8 @@ struct Options {
     std::string evalText;            // the statements given with -e, or ""
     std::string module;              // --module; "" => the module next to the program
     bool strict = false;             // --strict
+    bool echo = false;               // --echo
+    bool full = false;               // --full
     bool allowAll = false;           // --allow-all
     std::vector<std::string> allow;  // each --allow, in order
 };
@@ -38,6 +40,7 @@ struct Options {
 //   {"--module"}                  => false, "option '--module' needs a value"
 //   {"a.tvl", "b.tvl"}            => false, "more than one script: 'b.tvl'"
 //   {"-e", "x", "a.tvl"}          => false, "more than one script: 'a.tvl'"
+//   {"--echo", "--full", "t.tvl"} => kScript, echo, full
 //   {"--strict=1"}                => false, "option '--strict' takes no value"
 bool ParseOptions(int argc, char const* const* argv, Options& options, std::string& error);
 

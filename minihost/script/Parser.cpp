@@ -1,5 +1,6 @@
 #include "minihost/script/Parser.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "minihost/script/Lexer.h"
@@ -8,18 +9,24 @@ namespace minihost {
 
 namespace {
 
-constexpr std::string_view kPrint = "print";
-constexpr std::string_view kCall = "call";
+constexpr std::string_view kPrint = kReservedWords[0];
+constexpr std::string_view kDump = kReservedWords[1];
+constexpr std::string_view kCall = kReservedWords[2];
+// A dump takes an offset and a count at most.
+constexpr std::size_t kDumpBounds = 2;
 
 // NOTE: the parser, the checker and the interpreter all recurse into arguments, so a deeper
 // nesting would let a hostile script exhaust the stack.
 constexpr int kMaxNesting = 256;
 
-bool IsReserved(std::string_view name) { return name == kPrint || name == kCall; }
+bool IsReserved(std::string_view name) {
+    return std::find(kReservedWords.begin(), kReservedWords.end(), name) != kReservedWords.end();
+}
 
 class Parser {
 public:
-    explicit Parser(std::vector<Token> tokens) : mTokens(std::move(tokens)) {}
+    Parser(std::string_view source, std::vector<Token> tokens)
+        : mSource(source), mTokens(std::move(tokens)) {}
 
     Program Run() {
         Program program;
@@ -66,16 +73,37 @@ private:
         }
     }
 
+    // The statement with its text, from its first token to its last.
     Statement ParseStatement() {
-        SourcePosition const start = Current().position;
+        Token const& first = Current();
+        Statement statement{first.position, ParseStatementNode(), {}, 1};
+        Token const& last = mTokens[mIndex - 1];
+        statement.text = std::string(mSource.substr(first.begin, last.end - first.begin));
+        statement.lastLine = last.position.line;
+        for (char const c : last.text) {
+            statement.lastLine += c == '\n' ? 1 : 0;
+        }
+        return statement;
+    }
+
+    decltype(Statement::node) ParseStatementNode() {
         if (Current().kind == TokenKind::kName && Next().kind == TokenKind::kEquals) {
-            return Statement{start, ParseAssignment()};
+            return ParseAssignment();
         }
         if (IsName(Current(), kPrint)) {
             ++mIndex;
-            return Statement{start, Print{ParseExpression()}};
+            return Print{ParseExpression()};
         }
-        return Statement{start, ExpressionStatement{ParseExpression()}};
+        if (IsName(Current(), kDump)) {
+            ++mIndex;
+            Dump dump{ParseExpression(), {}};
+            while (dump.range.size() < kDumpBounds && Current().kind == TokenKind::kComma) {
+                ++mIndex;
+                dump.range.push_back(ParseExpression());
+            }
+            return dump;
+        }
+        return ExpressionStatement{ParseExpression()};
     }
 
     Assignment ParseAssignment() {
@@ -159,6 +187,7 @@ private:
         }
     }
 
+    std::string_view mSource;
     std::vector<Token> mTokens;
     std::size_t mIndex = 0;
     int mNesting = 0;
@@ -167,7 +196,31 @@ private:
 }  // namespace
 
 Program Parse(std::string_view source, int firstLine) {
-    return Parser(Tokenize(source, firstLine)).Run();
+    return Parser(source, Tokenize(source, firstLine)).Run();
+}
+
+bool EndsInsideCall(std::string_view source) {
+    std::vector<Token> tokens;
+    try {
+        tokens = Tokenize(source);
+    } catch (ScriptError const&) {
+        return false;
+    }
+    int depth = 0;
+    TokenKind last = TokenKind::kEnd;
+    for (Token const& token : tokens) {
+        bool const lineEnd = token.kind == TokenKind::kEndOfStatement && token.text == "\n";
+        if (token.kind == TokenKind::kEnd || (lineEnd && depth > 0)) {
+            continue;  // inside a call, a line end after "(" or "," is no end
+        }
+        depth += token.kind == TokenKind::kLeftParen ? 1 : 0;
+        depth -= token.kind == TokenKind::kRightParen ? 1 : 0;
+        if (depth < 0) {
+            return false;  // a ")" too many: the parser will say so
+        }
+        last = token.kind;
+    }
+    return depth > 0 && (last == TokenKind::kLeftParen || last == TokenKind::kComma);
 }
 
 }  // namespace minihost

@@ -16,6 +16,8 @@ char const* NamedEscape(char byte) {
             return "\\n";
         case '\t':
             return "\\t";
+        case '\r':
+            return "\\r";
         case '\\':
             return "\\\\";
         case '"':
@@ -37,8 +39,7 @@ void AppendHexEscape(std::string& out, char byte) {
 
 // The first bytes of a buffer, read through its interface: direct access is not required of
 // a host's buffer. A short read shows what was delivered.
-std::string PreviewOf(Tavrel::IDataRef const& data, unsigned long long size) {
-    unsigned long long const wanted = size < kPreviewBytes ? size : kPreviewBytes;
+std::string PreviewOf(Tavrel::IDataRef const& data, unsigned long long wanted) {
     std::string bytes(wanted, '\0');
     if (wanted != 0) {
         bytes.resize(data.Read(bytes.data(), wanted, 0));
@@ -46,18 +47,27 @@ std::string PreviewOf(Tavrel::IDataRef const& data, unsigned long long size) {
     return bytes;
 }
 
-std::string FormatDataRef(Variant const& value) {
+// "<TYPE>(<size>) \"<preview>\"", with "..." behind when it was cut to the preview.
+std::string Sized(char const* type, unsigned long long size, std::string_view preview, bool cut) {
+    std::string text = std::string(type) + "(" + std::to_string(size) + ") " + QuoteBytes(preview);
+    return cut ? text + "..." : text;
+}
+
+std::string FormatDataRef(Variant const& value, bool full) {
     Tavrel::AutoRefPtr<Tavrel::IDataRef> const data = value.data();
     if (!data) {
         return "null";
     }
     unsigned long long const size = data->GetSize();
-    std::string text =
-        "DATAREF(" + std::to_string(size) + ") " + QuoteBytes(PreviewOf(*data.get(), size));
-    if (size > kPreviewBytes) {
-        text += "...";
+    bool const cut = !full && size > kPreviewBytes;
+    return Sized("DATAREF", size, PreviewOf(*data.get(), cut ? kPreviewBytes : size), cut);
+}
+
+std::string FormatString(std::string_view bytes, bool full) {
+    if (full || bytes.size() <= kLongString) {
+        return QuoteBytes(bytes);
     }
-    return text;
+    return Sized("STRING", bytes.size(), bytes.substr(0, kPreviewBytes), true);
 }
 
 }  // namespace
@@ -89,15 +99,15 @@ std::string FormatNumber(double value) {
     return std::string(buffer, result.ptr);
 }
 
-std::string FormatValue(Variant const& value) {
+std::string FormatValue(Variant const& value, bool full) {
     unsigned int const type = value.type();
     switch (type) {
         case Tavrel::VariantType::kNumber:
             return FormatNumber(value.number());
         case Tavrel::VariantType::kString:
-            return QuoteBytes(value.string());
+            return FormatString(value.string(), full);
         case Tavrel::VariantType::kDataRef:
-            return FormatDataRef(value);
+            return FormatDataRef(value, full);
         case Variant::kNothing:
             return "nothing";
         default:

@@ -47,7 +47,7 @@ bool ModulePath(Options const& options, std::string& path, std::string& error) {
 
 // The sandbox: the script's directory (when there is a script) and the current directory,
 // plus every --allow. Relative paths in the script are read against the script's directory.
-bool MakePolicy(Options const& options, Tavrel::AutoRefPtr<Tavrel::IPolicy>& policy,
+bool MakePolicy(Options const& options, Tavrel::AutoRefPtr<SandboxPolicy>& policy,
                 std::string& error) {
     std::string current;
     if (!ResolveRealPath("", ".", current)) {
@@ -98,12 +98,15 @@ bool ScriptText(Options const& options, std::string& text, std::string& name, st
 }
 
 // Runs the script, the -e statements, standard input or the prompt.
-int RunScripts(Options const& options, ReadyModule& ready, Context& context) {
+int RunScripts(Options const& options, ReadyModule& ready, Context& context,
+               SandboxPolicy& sandbox) {
     InterpreterSettings const settings{
-        options.strict, options.mode == Mode::kStandardIn && StandardInputIsTerminal()};
+        options.strict, options.mode == Mode::kStandardIn && StandardInputIsTerminal(),
+        options.echo, options.full};
     Interpreter interpreter(*ready.module, ready.table, context, std::cout, std::cerr, settings);
-    if (settings.echo) {
-        return RunPrompt(interpreter, context);
+    interpreter.WatchSandbox(&sandbox);
+    if (settings.prompt) {
+        return RunPrompt(interpreter, ready, context);
     }
     std::string text;
     std::string name;
@@ -141,12 +144,12 @@ int Main(std::vector<std::string> const& arguments) {
         Describe(*ready.module, ready.table, std::cout);
         return 0;
     }
-    Tavrel::AutoRefPtr<Tavrel::IPolicy> policy;
+    Tavrel::AutoRefPtr<SandboxPolicy> policy;
     if (!MakePolicy(options, policy, error)) {
         return Fail(error);
     }
     Context context(policy);
-    int const status = RunScripts(options, ready, context);
+    int const status = RunScripts(options, ready, context, *policy.get());
     DisarmInterruption();
     return status;
 }

@@ -87,8 +87,8 @@ TEST(FunctionTable, ResolvesByNameThenCountThenTypes) {
         {"G", {"DATAREF", ""}, "g2", ""},
         {"G", {}, "", "no form of 'G' takes 0 arguments; there are:"},
         {"F", {"NUMBER"}, "", "no form of 'F' takes 1 argument; there are:"},
-        {"H", {}, "", "unknown function 'H'; the module offers:"},
-        {"f1", {"STRING", "NUMBER"}, "", "unknown function 'f1'; the module offers:"},
+        {"H", {}, "", "no function 'H' (help lists the module's functions)"},
+        {"f", {"STRING", "NUMBER"}, "", "no function 'f'; did you mean 'F'?"},
     };
     FunctionTable const table = MadeUpTable();
     for (Row const& row : rows) {
@@ -128,6 +128,37 @@ TEST(StatusWords, NameThePlaceAndTheCode) {
     };
     for (Row const& row : rows) {
         EXPECT_EQ(DescribeStatus(row.status), row.words) << "row " << row.status;
+    }
+}
+
+// A wrong type is shown by the interpreter's test; the other codes cannot come from a script.
+TEST(StatusWords, BindingFailuresSayWhatWasExpectedAndWhatCame) {
+    Signature const slice{"K", "DATAREF", "Slice", {"DATAREF", "NUMBER"}, "e"};
+    struct Row {
+        std::vector<std::string> given;
+        unsigned int status;
+        std::string words;
+    };
+    Row const rows[] = {
+        {{"DATAREF"},
+         131073,
+         "argument 2 of Slice (DATAREF,NUMBER): expected NUMBER, got no "
+         "argument (status 131073)"},
+        {{"type 21"},
+         65540,
+         "argument 1 of Slice (DATAREF,NUMBER): expected DATAREF, got an "
+         "empty user-defined value (status 65540)"},
+        {{"DATAREF"},
+         131074,
+         "argument 2 of Slice (DATAREF,NUMBER): expected NUMBER, got no "
+         "argument (status 131074)"},
+        {{}, 196610, "argument 3 of Slice (DATAREF,NUMBER): wrong argument (status 196610)"},
+        {{"STRING"}, 2, "argument 0 of Slice (DATAREF,NUMBER): wrong argument (status 2)"},
+        {{"STRING"}, 65539, "argument 1 of Slice (DATAREF,NUMBER): unknown code 3 (status 65539)"},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(DescribeBindingFailure(slice, row.given, row.status), row.words)
+            << "row " << row.status;
     }
 }
 

@@ -56,6 +56,10 @@ TEST(Interpreter, AnInterruptedRunStopsAfterTheStatementWithoutAReport) {
     Session session(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new InterruptingPolicy()));
     EXPECT_EQ(session.Run("print \"a\"\nprint Binary.MapFile(\"f\")\nprint \"never\""),
               "1|\"a\"\nnull\n|t:2:1: interrupted\n");
+    // At the prompt the word stands on a line of its own, below the ^C that the terminal shows.
+    Session prompt(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new InterruptingPolicy()),
+                   InterpreterSettings{false, true, false, false});
+    EXPECT_EQ(prompt.Run("Binary.MapFile(\"f\")"), "1|null\n|\nt:1:1: interrupted\n");
 }
 
 TEST(Interpreter, VariablesLastAcrossRunsButAFaultyRunDefinesNothing) {
@@ -73,8 +77,7 @@ TEST(Interpreter, VariablesLastAcrossRunsButAFaultyRunDefinesNothing) {
         {"print y", "2||t:1:7: unknown variable 'y'\n"},
         // A failed binding stops the run, but what ran before it stays done.
         {"y = x\nSize(\"s\")\nz = 1",
-         "2||t:2:1: binding failed for Size (DATAREF): argument 1: "
-         "wrong argument (status 65538)\n"},
+         "2||t:2:1: argument 1 of Size (DATAREF): expected DATAREF, got STRING (status 65538)\n"},
         {"print y", "0|DATAREF(2) \"ab\"\n|"},
         {"print z", "2||t:1:7: unknown variable 'z'\n"},
         {"Size(y)", "0||"},
@@ -84,9 +87,47 @@ TEST(Interpreter, VariablesLastAcrossRunsButAFaultyRunDefinesNothing) {
     }
 }
 
-TEST(Interpreter, EchoShowsTheValueOfEachExpressionStatement) {
-    Session echo({}, InterpreterSettings{false, true});
-    EXPECT_EQ(echo.Run("ToDataRef(\"a\", 0, 1); 2; x = 3"), "0|DATAREF(1) \"a\"\n2\n|");
+TEST(Interpreter, ThePromptShowsTheValueOfEachExpressionStatement) {
+    Session prompt({}, InterpreterSettings{false, true, false, false});
+    EXPECT_EQ(prompt.Run("ToDataRef(\"a\", 0, 1); 2; x = 3"), "0|DATAREF(1) \"a\"\n2\n|");
+}
+
+// Each fault says what to write instead, where it can.
+TEST(Interpreter, FaultsNameWhatWasExpected) {
+    Session session;
+    ASSERT_EQ(session.Run("greeting = ToDataRef(\"hi\")"), "0||");
+    struct Row {
+        std::string source;
+        std::string result;
+    };
+    Row const rows[] = {
+        {"print greting", "2||t:1:7: unknown variable 'greting'; did you mean 'greeting'?\n"},
+        {"quit",
+         "2||t:1:1: unknown variable 'quit'; help, quit and exit are commands of the "
+         "interactive prompt, alone on a line\n"},
+        {"print size(greeting)", "2||t:1:7: no function 'size'; did you mean 'Size'?\n"},
+        {"Slice(greeting, 1)", "2||t:1:1: no function 'Slice'; did you mean 'Binary.Slice'?\n"},
+        {"size(greeting, 1)",
+         "2||t:1:1: no function 'size'; did you mean 'Size'? But no form of 'Size' takes 2 "
+         "arguments; there is:\n  Size (DATAREF)\n"},
+        {"todataref(\"a\")",
+         "2||t:1:1: no function 'todataref'; did you mean 'ToDataRef' or 'Binary.ToDataRef'?\n"},
+        {"Frobnicate()",
+         "2||t:1:1: no function 'Frobnicate' (help lists the module's functions)\n"},
+        {"call tavrel_module_BinarySise(1)",
+         "2||t:1:1: unknown entry 'tavrel_module_BinarySise'; did you mean "
+         "'tavrel_module_BinarySize' or 'tavrel_module_BinarySlice'?\n"},
+        {"Binary.Append(greeting, 2)",
+         "2||t:1:1: argument 2 of Binary.Append (DATAREF,DATAREF): expected DATAREF, got NUMBER "
+         "(status 131074)\n"},
+        {"dump 5", "2||t:1:6: dump shows a DATAREF or a STRING, not NUMBER\n"},
+        {"dump greeting, \"1\"", "2||t:1:16: dump: the offset must be a NUMBER, not STRING\n"},
+        {"dump greeting, 0, -2", "2||t:1:19: dump: the count -2 is negative\n"},
+        {"print 1e999", "2||t:1:7: number out of range: 1e999\n"},
+    };
+    for (Row const& row : rows) {
+        EXPECT_EQ(session.Run(row.source), row.result) << "row " << row.source;
+    }
 }
 
 }  // namespace

@@ -38,7 +38,9 @@ TEST(Parse, MalformedScriptsGiveOneMessageWithLineAndColumn) {
         {"print -x", "1:7: malformed number"},
         {"print 1.", "1:7: malformed number"},
         {"print 2e", "1:7: malformed number"},
-        {"print 1e999", "1:7: number out of range"},
+        {"print 1e999", "1:7: number out of range: 1e999"},
+        {"\xEF\xBB\xBFprint @", "1:7: unexpected character '@'"},
+        {"print \"\\1\"", "1:8: bad escape '\\1'"},
         {"print Binary.", "1:7: malformed name 'Binary.'"},
         {"print @", "1:7: unexpected character '@'"},
         {"print \0"s, "1:7: unexpected character '\\x00'"},
@@ -58,6 +60,9 @@ TEST(Parse, MalformedScriptsGiveOneMessageWithLineAndColumn) {
         {"call f", "1:7: expected '(' but found end of script"},
         {"print Binary.Size", "1:18: expected '(' after the function name but found end of script"},
         {"print \"a\"; )", "1:12: expected an expression but found ')'"},
+        {"x = 1 \xEF\xBB\xBF", "1:7: unexpected character '\\xef'"},
+        {"dump d, 1, 2, 3", "1:13: expected end of line but found ','"},
+        {"dump = 1", "1:1: 'dump' is reserved"},
         // Accepted.
         {"", ""},
         {"# only a comment\n\n;;", ""},
@@ -65,6 +70,7 @@ TEST(Parse, MalformedScriptsGiveOneMessageWithLineAndColumn) {
         {"print F(\n  1,\n  \"a\")", ""},
         {"print F(\n)", ""},
         {"call e(1, x, \"s\")", ""},
+        {"dump d; dump d, 1; dump F(d), x, 2", ""},
         {"Size = 1\nprint Size(Size)", ""},
     };
     for (Row const& row : rows) {
@@ -97,6 +103,8 @@ TEST(Tokenize, DecodesLiterals) {
     Row const rows[] = {
         {"\"\"", TokenKind::kString, "", 0},
         {"\"\\x00\\\"\\\\\\n\\t\"", TokenKind::kString, "\0\"\\\n\t"s, 0},
+        {"\"\\r\\0\\01\"", TokenKind::kString, "\r\0\0"s + "1", 0},
+        {"\xEF\xBB\xBF\"a\"", TokenKind::kString, "a", 0},
         {"\"\\xFF\\xab\"", TokenKind::kString, "\xff\xab", 0},
         {"\"\t raw\xc3\xa9\"", TokenKind::kString, "\t raw\xc3\xa9", 0},
         {"-1.5e3", TokenKind::kNumber, "-1.5e3", -1500},

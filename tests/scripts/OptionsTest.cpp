@@ -22,6 +22,8 @@ std::string Read(std::vector<char const*> arguments) {
     text += " module=" + options.module;
     text += options.strict ? " strict" : "";
     text += options.allowAll ? " allow-all" : "";
+    text += options.echo ? " echo" : "";
+    text += options.full ? " full" : "";
     for (std::string const& directory : options.allow) {
         text += " allow=" + directory;
     }
@@ -48,6 +50,8 @@ TEST(Options, ReadsTheCommandLine) {
         {{"--strict", "--allow", "a", "--allow=b", "--allow-all", "t.tvl"},
          "script path=t.tvl eval= module= strict allow-all allow=a allow=b"},
         {{"--", "--strict"}, "script path=--strict eval= module="},
+        {{"--echo", "--full", "t.tvl"}, "script path=t.tvl eval= module= echo full"},
+        {{"--echo=1"}, "error: option '--echo' takes no value"},
         {{"-x"}, "error: unknown option '-x'"},
         {{"--module"}, "error: option '--module' needs a value"},
         {{"--allow"}, "error: option '--allow' needs a value"},
@@ -71,7 +75,7 @@ TEST(Options, ReadsTheCommandLine) {
 TEST(Options, HelpNamesEveryOption) {
     std::string const help = HelpText();
     for (char const* option : {"-e, --eval", "--describe", "--module", "--strict", "--allow DIR",
-                               "--allow-all", "-h, --help", "Exit status"}) {
+                               "--allow-all", "--echo", "--full", "-h, --help", "Exit status"}) {
         EXPECT_NE(help.find(option), std::string::npos) << "row " << option;
     }
 }

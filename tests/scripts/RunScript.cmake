@@ -9,6 +9,8 @@
 # where that file exists: for text that the system gives, such as the loader's words.
 # -DFAKE_PARTIAL=<path> and -DFAKE_FULL=<path> stand for @FAKE_PARTIAL@ and @FAKE_FULL@ in the
 # arguments, and the paths are written back as those names in what the program gave.
+# -DMODULE=<path> names the module that minihost finds by itself; its real path (and on Windows
+# that path as the system spells it there, Z:\...) is written back as @MODULE@.
 # With -DUPDATE=ON it writes what the program gave into the expected files instead.
 foreach(required MINIHOST CASES CASE WORK)
   if(NOT DEFINED ${required})
@@ -42,11 +44,25 @@ execute_process(COMMAND ${EMULATOR} ${MINIHOST} ${arguments}
   ERROR_VARIABLE actual_err
   RESULT_VARIABLE actual_status)
 set(actual_status "${actual_status}\n")
+set(spellings "")
 foreach(placeholder FAKE_PARTIAL FAKE_FULL)
   if(DEFINED ${placeholder})
-    string(REPLACE "${${placeholder}}" "@${placeholder}@" actual_out "${actual_out}")
-    string(REPLACE "${${placeholder}}" "@${placeholder}@" actual_err "${actual_err}")
+    list(APPEND spellings "${${placeholder}}=${placeholder}")
   endif()
+endforeach()
+if(DEFINED MODULE)
+  file(REAL_PATH "${MODULE}" module_real)
+  list(APPEND spellings "${module_real}=MODULE")
+  if(PLATFORM STREQUAL "windows")
+    string(REPLACE "/" "\\" module_windows "Z:${module_real}")
+    list(APPEND spellings "${module_windows}=MODULE")
+  endif()
+endif()
+foreach(spelling ${spellings})
+  string(REGEX REPLACE "=[A-Z_]+$" "" path "${spelling}")
+  string(REGEX REPLACE "^.*=" "" placeholder "${spelling}")
+  string(REPLACE "${path}" "@${placeholder}@" actual_out "${actual_out}")
+  string(REPLACE "${path}" "@${placeholder}@" actual_err "${actual_err}")
 endforeach()
 
 set(failed FALSE)
