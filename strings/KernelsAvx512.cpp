@@ -2,7 +2,7 @@
 // loads for the last bytes of a text (a masked load does not touch the bytes it leaves out).
 // Every function carries the target attribute, so the rest of the library, and every function
 // that the compiler emits from a header, stays within the x86-64 base; these run only after
-// Dispatch.cpp has seen AVX-512F, AVX-512BW, BMI1, BMI2 and POPCNT.
+// Dispatch.cpp has seen AVX-512F, AVX-512BW, AVX-512VL, BMI1, BMI2 and POPCNT.
 // NOTE: no lambdas here: a lambda does not inherit its function's target attribute.
 #include "strings/Kernels.h"
 
@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#define TAVREL_AVX512 __attribute__((target("avx512f,avx512bw,bmi,bmi2,popcnt")))
+#define TAVREL_AVX512 __attribute__((target("avx512f,avx512bw,avx512vl,bmi,bmi2,popcnt")))
 
 namespace Tavrel::kernels {
 
@@ -323,6 +323,7 @@ TAVREL_AVX512 void CopyUpTo64(char* target, char const* source, std::size_t n) {
 struct RunPattern {
     __m512i from;  // the pattern, zeros behind it
     __m512i to;    // the replacement, zeros behind it
+    __m256i to32;  // its first 32 bytes
     __m512i head;  // the pattern's first byte in every lane
     __m512i tail;  // its last byte in every lane
     std::uint64_t fromLanes;
@@ -336,12 +337,102 @@ TAVREL_AVX512 RunPattern RunPatternOf(Replacement64 const& pattern) {
     std::uint64_t const toLanes = FirstLanes(pattern.toSize);
     return {_mm512_maskz_loadu_epi8(fromLanes, pattern.from),
             _mm512_maskz_loadu_epi8(toLanes, pattern.to),
+            _mm256_maskz_loadu_epi8(static_cast<__mmask32>(toLanes), pattern.to),
             Spread(static_cast<unsigned char>(pattern.from[0])),
             Spread(static_cast<unsigned char>(pattern.from[pattern.fromSize - 1])),
             fromLanes,
             toLanes,
             pattern.fromSize,
             pattern.toSize};
+}
+
+// Stores the replacement at at, with a store no wider than 32 bytes where it fits in them.
+// NOTE: a masked store keeps the whole width of its register from being read back at once by
+// the loads that follow it; the narrower store leaves the next 32 bytes free for them.
+TAVREL_AVX512 inline __attribute__((always_inline)) void StoreReplacement(
+    char* at, RunPattern const& pattern) {
+    if (pattern.toSize <= 32) {
+        _mm256_mask_storeu_epi8(at, static_cast<__mmask32>(pattern.toLanes), pattern.to32);
+    } else {
+        _mm512_mask_storeu_epi8(at, pattern.toLanes, pattern.to);
+    }
+}
+
+// Overwrites, in text, the occurrences among candidates (bit k: a start at base + k whose first
+// and last bytes agree) that begin at or behind next, the end of the last occurrence, from left
+// to right, each checked in full with one masked compare.
+TAVREL_AVX512 inline __attribute__((always_inline)) void OverwriteCandidates(
+    char* text, std::size_t base, std::uint64_t candidates, std::size_t& next,
+    RunPattern const& pattern) {
+    if (next > base) {
+        candidates &= next - base >= 64 ? 0 : ~FirstLanes(next - base);
+    }
+    while (candidates != 0) {
+        std::size_t const at = base + LowestBit(candidates);
+        if (pattern.fromSize > 2 &&
+            _mm512_cmpneq_epi8_mask(LoadFirst(text + at, pattern.fromLanes), pattern.from) != 0) {
+            candidates &= candidates - 1;
+            continue;
+        }
+        StoreReplacement(text + at, pattern);
+        next = at + pattern.fromSize;
+        std::size_t const skip = next - base;  // no overlaps: starts behind it are left
+        candidates = skip < 64 ? candidates & (~std::uint64_t{0} << skip) : 0;
+    }
+}
+
+// Overwrites the occurrences among the count (at most 64) starts from block on, read with
+// masked loads, so that no byte behind the text is touched.
+TAVREL_AVX512 inline __attribute__((always_inline)) void OverwriteFew(
+    char* text, std::size_t block, std::size_t count, std::size_t& next,
+    RunPattern const& pattern) {
+    std::uint64_t const lanes = FirstLanes(count);
+    char const* const at = text + block;
+    std::uint64_t const candidates =
+        Equal<false>(LoadFirst(at, lanes), &pattern.head) &
+        Equal<false>(LoadFirst(at + pattern.fromSize - 1, lanes), &pattern.tail) & lanes;
+    OverwriteCandidates(text, block, candidates, next, pattern);
+}
+
+// A replacement of the same length in place, from the occurrence at pos on: nothing moves, so
+// the text is scanned on a fixed grid of 256 starts per step from a multiple of 64 on, and
+// where to go on never waits for an occurrence to be checked and written.
+// NOTE: a replacement written over an occurrence that reaches into the next step changes bytes
+// that step reads; they lie before the end of that occurrence, where no start counts.
+TAVREL_AVX512 void OverwriteRun(char* text, std::size_t size, std::size_t pos,
+                                RunPattern const& pattern) {
+    std::size_t const n = pattern.fromSize;
+    std::size_t const lastStart = size - n;
+    std::size_t next = pos;
+    std::size_t block = pos;
+    if (std::size_t const lead = AlignmentLead(text + pos); lead != 0) {
+        std::size_t const count = std::min(lead, lastStart - pos + 1);
+        OverwriteFew(text, block, count, next, pattern);
+        block += count;
+    }
+    // Whole steps: 256 starts whose last bytes lie within the text.
+    for (; block <= lastStart && lastStart - block >= 255; block += 256) {
+        char* const at = text + block;
+        std::uint64_t heads0 = Equal<false>(Load(at), &pattern.head);
+        std::uint64_t heads1 = Equal<false>(Load(at + 64), &pattern.head);
+        std::uint64_t heads2 = Equal<false>(Load(at + 128), &pattern.head);
+        std::uint64_t heads3 = Equal<false>(Load(at + 192), &pattern.head);
+        if ((heads0 | heads1 | heads2 | heads3) == 0) {
+            continue;
+        }
+        char const* const tails = at + n - 1;
+        heads0 &= Equal<false>(Load(tails), &pattern.tail);
+        heads1 &= Equal<false>(Load(tails + 64), &pattern.tail);
+        heads2 &= Equal<false>(Load(tails + 128), &pattern.tail);
+        heads3 &= Equal<false>(Load(tails + 192), &pattern.tail);
+        OverwriteCandidates(text, block, heads0, next, pattern);
+        OverwriteCandidates(text, block + 64, heads1, next, pattern);
+        OverwriteCandidates(text, block + 128, heads2, next, pattern);
+        OverwriteCandidates(text, block + 192, heads3, next, pattern);
+    }
+    for (; block <= lastStart; block += 64) {
+        OverwriteFew(text, block, std::min<std::size_t>(64, lastStart - block + 1), next, pattern);
+    }
 }
 
 // Where ReplaceRun reads and writes.
@@ -378,7 +469,7 @@ TAVREL_AVX512 inline __attribute__((always_inline)) bool ReplaceCandidates(
             CopyUpTo64(run.out + run.write, run.in + run.read, at - run.read);
         }
         run.write += at - run.read;
-        _mm512_mask_storeu_epi8(run.out + run.write, pattern.toLanes, pattern.to);
+        StoreReplacement(run.out + run.write, pattern);
         run.write += pattern.toSize;
         run.read = at + pattern.fromSize;
         std::size_t const skip = run.read - block;  // no overlaps: starts behind it are left
@@ -441,6 +532,11 @@ TAVREL_AVX512 std::size_t ReplaceRun(char const* in, std::size_t size, std::size
     // NOTE: in and out are compared as addresses only.
     Run run{in, out, *read, write,
             reinterpret_cast<std::uintptr_t>(out) == reinterpret_cast<std::uintptr_t>(in)};
+    if (run.inPlace && !run.MustCopy() && p.toSize == n && size >= n) {
+        OverwriteRun(out, size, run.read, p);
+        *read = size;
+        return size;
+    }
     // Whole blocks: 64 starts whose last bytes all lie within the text.
     while (size - run.read >= 64 + n - 1 && outEnd - run.write >= kRunRoom) {
         if (run.MustCopy()) {
@@ -463,7 +559,16 @@ TAVREL_AVX512 std::size_t ReplaceRun(char const* in, std::size_t size, std::size
                 break;
             }
             if (run.read != block) {
-                continue;  // the next step starts behind the last occurrence
+                // The rest of the block moves now, so that the next step starts where this one
+                // ends, whatever the occurrences were.
+                if (run.read < block + 64) {
+                    if (run.MustCopy()) {
+                        CopyUpTo64(out + run.write, in + run.read, block + 64 - run.read);
+                    }
+                    run.write += block + 64 - run.read;
+                    run.read = block + 64;
+                }
+                continue;
             }
         }
         if (run.MustCopy()) {
@@ -496,7 +601,8 @@ TAVREL_AVX512 std::size_t ReplaceRun(char const* in, std::size_t size, std::size
     return run.write;
 }
 
-#define TAVREL_AVX512_VBMI2 __attribute__((target("avx512f,avx512bw,avx512vbmi2,bmi,bmi2,popcnt")))
+#define TAVREL_AVX512_VBMI2 \
+    __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi2,bmi,bmi2,popcnt")))
 
 // The starts of the occurrences among the 64 lanes of block, read at at: for up to 3 bytes the
 // first, middle and last bytes are the whole pattern; a longer one is compared in full at each
@@ -559,12 +665,28 @@ TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std:
     std::uint64_t carry = 0;
     // Each block reads n - 1 bytes behind itself for the last byte of a start.
     while (size - run.read >= 64 + n - 1) {
-        __m512i const block = Load(in + run.read);
-        if ((_mm512_cmpeq_epi8_mask(block, probes[0]) | carry) == 0) {
-            _mm512_storeu_si512(out + run.write, block);
-            run.read += 64;
-            run.write += 64;
-            continue;
+        __m512i block = Load(in + run.read);
+        if (carry == 0) {
+            // NOTE: a loop of its own for blocks without a first byte, so that one costs a load,
+            // a compare, a store and the loop's own step.
+            char const* source = in + run.read;
+            char* target = out + run.write;
+            char const* const last = in + size - (64 + n - 1);
+            while (_mm512_cmpeq_epi8_mask(block, probes[0]) == 0) {
+                _mm512_storeu_si512(target, block);
+                source += 64;
+                target += 64;
+                if (source > last) {
+                    break;
+                }
+                block = Load(source);
+            }
+            std::size_t const moved = static_cast<std::size_t>(source - (in + run.read));
+            run.read += moved;
+            run.write += moved;
+            if (source > last) {
+                break;
+            }
         }
         DropOccurrences(run, carry, block, pattern, probes, from);
     }
