@@ -626,6 +626,48 @@ TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) std::uint64_t Occurren
     return starts;
 }
 
+// Moves the blocks from run.read on as they are while they hold no first byte, at most blocks of
+// them; gives true with the first block that holds one in block, false when none of them does.
+// NOTE: two blocks per step, and no branch of its own to tell which of the two holds a first
+// byte: the first is stored with all lanes or none, and the step moves on by it or not.
+TAVREL_AVX512 inline __attribute__((always_inline)) bool MoveToHead(Run& run, std::size_t blocks,
+                                                                   __m512i head, __m512i& block) {
+    char const* source = run.in + run.read;
+    char* target = run.out + run.write;
+    bool found = false;
+    for (; blocks >= 2; blocks -= 2) {
+        __m512i const first = Load(source);
+        __m512i const second = Load(source + 64);
+        std::uint64_t const heads0 = Equal<false>(first, &head);
+        std::uint64_t const heads1 = Equal<false>(second, &head);
+        if ((heads0 | heads1) != 0) {
+            bool const firstClear = heads0 == 0;
+            _mm512_mask_storeu_epi8(target, firstClear ? ~std::uint64_t{0} : 0, first);
+            block = _mm512_mask_mov_epi64(first, firstClear ? 0xFF : 0, second);
+            source += firstClear ? 64 : 0;
+            target += firstClear ? 64 : 0;
+            found = true;
+            break;
+        }
+        _mm512_storeu_si512(target, first);
+        _mm512_storeu_si512(target + 64, second);
+        source += 128;
+        target += 128;
+    }
+    if (!found && blocks == 1) {
+        block = Load(source);
+        found = Equal<false>(block, &head) != 0;
+        if (!found) {
+            _mm512_storeu_si512(target, block);
+            source += 64;
+        }
+    }
+    std::size_t const moved = static_cast<std::size_t>(source - (run.in + run.read));
+    run.read += moved;
+    run.write += moved;
+    return found;
+}
+
 // Moves the 64 bytes of block, read at run.in + run.read, to run.out + run.write less the bytes
 // that occurrences cover, and advances both; carry holds the lanes at the block's start that an
 // occurrence of the block before still covers, and becomes those of the next block. The block
@@ -665,28 +707,11 @@ TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std:
     std::uint64_t carry = 0;
     // Each block reads n - 1 bytes behind itself for the last byte of a start.
     while (size - run.read >= 64 + n - 1) {
-        __m512i block = Load(in + run.read);
-        if (carry == 0) {
-            // NOTE: a loop of its own for blocks without a first byte, so that one costs a load,
-            // a compare, a store and the loop's own step.
-            char const* source = in + run.read;
-            char* target = out + run.write;
-            char const* const last = in + size - (64 + n - 1);
-            while (_mm512_cmpeq_epi8_mask(block, probes[0]) == 0) {
-                _mm512_storeu_si512(target, block);
-                source += 64;
-                target += 64;
-                if (source > last) {
-                    break;
-                }
-                block = Load(source);
-            }
-            std::size_t const moved = static_cast<std::size_t>(source - (in + run.read));
-            run.read += moved;
-            run.write += moved;
-            if (source > last) {
-                break;
-            }
+        __m512i block;
+        if (carry != 0) {
+            block = Load(in + run.read);
+        } else if (!MoveToHead(run, (size - run.read - (n - 1)) / 64, probes[0], block)) {
+            break;
         }
         DropOccurrences(run, carry, block, pattern, probes, from);
     }
