@@ -383,9 +383,10 @@ TAVREL_AVX512 inline __attribute__((always_inline)) void OverwriteCandidates(
 
 // Overwrites the occurrences among the count (at most 64) starts from block on, read with
 // masked loads, so that no byte behind the text is touched.
-TAVREL_AVX512 inline __attribute__((always_inline)) void OverwriteFew(
-    char* text, std::size_t block, std::size_t count, std::size_t& next,
-    RunPattern const& pattern) {
+TAVREL_AVX512 inline __attribute__((always_inline)) void OverwriteFew(char* text, std::size_t block,
+                                                                      std::size_t count,
+                                                                      std::size_t& next,
+                                                                      RunPattern const& pattern) {
     std::uint64_t const lanes = FirstLanes(count);
     char const* const at = text + block;
     std::uint64_t const candidates =
@@ -480,7 +481,9 @@ TAVREL_AVX512 inline __attribute__((always_inline)) bool ReplaceCandidates(
 
 // Moves the blocks from run.read on while they hold no first byte, 64 bytes per step, at most
 // blocks of them.
-TAVREL_AVX512 inline __attribute__((always_inline)) void CopyClearBlocks(Run& run, std::size_t blocks, __m512i head) {
+TAVREL_AVX512 inline __attribute__((always_inline)) void CopyClearBlocks(Run& run,
+                                                                         std::size_t blocks,
+                                                                         __m512i head) {
     char const* source = run.in + run.read;
     char* target = run.out + run.write;
     char const* const end = source + 64 * blocks;
@@ -498,7 +501,8 @@ TAVREL_AVX512 inline __attribute__((always_inline)) void CopyClearBlocks(Run& ru
 
 // Passes over the blocks from run.read on while they hold no first byte, where nothing has to
 // move: four blocks per step while 256 bytes are left, then to the first block that holds one.
-TAVREL_AVX512 inline __attribute__((always_inline)) void SkipClearBlocks(Run& run, std::size_t size, __m512i head) {
+TAVREL_AVX512 inline __attribute__((always_inline)) void SkipClearBlocks(Run& run, std::size_t size,
+                                                                         __m512i head) {
     std::size_t at = run.read;
     for (; size - at >= 256; at += 256) {
         char const* const bytes = run.in + at;
@@ -554,7 +558,8 @@ TAVREL_AVX512 std::size_t ReplaceRun(char const* in, std::size_t size, std::size
         __m512i const bytes = Load(in + block);
         std::uint64_t const heads = Equal<false>(bytes, &p.head);
         if (heads != 0) {
-            std::uint64_t const candidates = heads & Equal<false>(Load(in + block + n - 1), &p.tail);
+            std::uint64_t const candidates =
+                heads & Equal<false>(Load(in + block + n - 1), &p.tail);
             if (!ReplaceCandidates(run, block, candidates, p, outEnd)) {
                 break;
             }
@@ -583,9 +588,9 @@ TAVREL_AVX512 std::size_t ReplaceRun(char const* in, std::size_t size, std::size
         std::size_t const count = std::min<std::size_t>(64, size - block);
         std::size_t const starts = size - block >= n ? std::min(count, size - block - n + 1) : 0;
         std::uint64_t const lanes = FirstLanes(starts);
-        std::uint64_t const candidates = Equal<false>(LoadFirst(in + block, lanes), &p.head) &
-                                         Equal<false>(LoadFirst(in + block + n - 1, lanes), &p.tail) &
-                                         lanes;
+        std::uint64_t const candidates =
+            Equal<false>(LoadFirst(in + block, lanes), &p.head) &
+            Equal<false>(LoadFirst(in + block + n - 1, lanes), &p.tail) & lanes;
         if (!ReplaceCandidates(run, block, candidates, p, outEnd)) {
             break;
         }
@@ -631,7 +636,7 @@ TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) std::uint64_t Occurren
 // NOTE: two blocks per step, and no branch of its own to tell which of the two holds a first
 // byte: the first is stored with all lanes or none, and the step moves on by it or not.
 TAVREL_AVX512 inline __attribute__((always_inline)) bool MoveToHead(Run& run, std::size_t blocks,
-                                                                   __m512i head, __m512i& block) {
+                                                                    __m512i head, __m512i& block) {
     char const* source = run.in + run.read;
     char* target = run.out + run.write;
     bool found = false;
