@@ -9,28 +9,37 @@
 
 namespace bench {
 
-minihost::LoadedModule& Module() {
-    static std::unique_ptr<minihost::LoadedModule> const module = [] {
+minihost::LoadedModule& ModuleAt(std::string const& path) {
+    static std::map<std::string, std::unique_ptr<minihost::LoadedModule>> loaded;
+    std::unique_ptr<minihost::LoadedModule>& module = loaded[path];
+    if (!module) {
         std::string error;
-        auto loaded = minihost::LoadedModule::Load(TAVREL_MODULE_PATH, error);
-        if (!loaded) {
+        module = minihost::LoadedModule::Load(path, error);
+        if (!module) {
             std::fprintf(stderr, "%s\n", error.c_str());
             std::abort();
         }
-        return loaded;
-    }();
+    }
     return *module;
 }
 
-minihost::EntryFunction Entry(std::string_view name) {
+minihost::LoadedModule& Module() {
+    // NOTE: kept, since every call of an entry asks for the module's information.
+    static minihost::LoadedModule& module = ModuleAt(TAVREL_MODULE_PATH);
+    return module;
+}
+
+minihost::EntryFunction EntryAt(std::string const& path, std::string_view name) {
     std::string const full = "tavrel_module_" + std::string(name);
-    minihost::EntryFunction const entry = Module().Entry(full);
+    minihost::EntryFunction const entry = ModuleAt(path).Entry(full);
     if (entry == nullptr) {
-        std::fprintf(stderr, "the module has no entry %s\n", full.c_str());
+        std::fprintf(stderr, "%s has no entry %s\n", path.c_str(), full.c_str());
         std::abort();
     }
     return entry;
 }
+
+minihost::EntryFunction Entry(std::string_view name) { return EntryAt(TAVREL_MODULE_PATH, name); }
 
 Host::Host() : mContext(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new minihost::FilePolicy())) {
     mContext.SetErrorHandler([this](minihost::ErrorReport const&) { ++mReports; });

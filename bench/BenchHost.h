@@ -21,11 +21,14 @@ inline constexpr unsigned long long kKiB = 1024;
 inline constexpr unsigned long long kMiB = 1024 * kKiB;
 
 // The module under measurement, opened on first use; aborts with the loader's reason when
-// it cannot be opened.
+// it cannot be opened. ModuleAt: the module at path, opened the same way.
 minihost::LoadedModule& Module();
+minihost::LoadedModule& ModuleAt(std::string const& path);
 
-// The entry "tavrel_module_<name>"; aborts when the module lacks it.
+// The entry "tavrel_module_<name>" of the module under measurement, or of the one at path;
+// aborts when the module lacks it.
 minihost::EntryFunction Entry(std::string_view name);
+minihost::EntryFunction EntryAt(std::string const& path, std::string_view name);
 
 // One calling context with a file policy, as the host gives every entry. Reports are
 // counted, not kept, so that a benchmark can tell that its calls succeeded.

@@ -3,7 +3,8 @@
 // strcasestr, with needles of 1, 3, 8 and 32 bytes; and ReplaceAll against the one-pass loop
 // (std::string_view::find, append into a reserved string) for each shape of pattern, with an
 // occurrence every 10 bytes (dense) or every 1000 (sparse; some also every 4096), and some
-// shapes with occurrences at random places, so that no period helps either side. Each at 1 MiB;
+// shapes with occurrences at random places, so that no period helps either side; beside them,
+// what an in-place deletion cannot do without: the text moved down once. Each at 1 MiB;
 // ReplaceAll also at 16 MiB to show that it stays linear. The instruction-set path of the string
 // library in use is named in the run's context ("strings path").
 #include <strings.h>
@@ -273,22 +274,39 @@ void OnePassReplace(std::string& text, std::string_view from, std::string_view t
     text = std::move(out);
 }
 
+// How a replacement is done in RunReplace.
+enum class Replacer {
+    kLibrary,  // Tavrel::ReplaceAll
+    kLoop,     // OnePassReplace
+    kMove,     // no replacement: the bytes behind the first occurrence moved down over it with
+               // memmove, the least that any in-place deletion of it has to do
+};
+
 // Both sides change a fresh copy of the text that is made outside the timed part, as a
 // caller's own text; each result lives until the next one replaces it, and the text it
 // replaced is freed inside the timed part on both sides.
-template <bool kLibrary>
+template <Replacer kReplacer>
 void RunReplace(benchmark::State& state, std::string_view const& name) {
     Shape const shape = MakeShape(name, static_cast<unsigned long long>(state.range(0)));
-    std::string const expected = ref::ReplaceAll(shape.text, shape.from, shape.to);
+    std::string expected = ref::ReplaceAll(shape.text, shape.from, shape.to);
+    std::size_t const first = shape.text.find(shape.from);
+    if constexpr (kReplacer == Replacer::kMove) {
+        expected = shape.text;
+        expected.erase(first, shape.from.size());
+    }
     std::string replaced;
     for (auto _ : state) {
         state.PauseTiming();
         std::string copy = shape.text;
         state.ResumeTiming();
-        if constexpr (kLibrary) {
+        if constexpr (kReplacer == Replacer::kLibrary) {
             Tavrel::ReplaceAll(copy, shape.from, shape.to);
-        } else {
+        } else if constexpr (kReplacer == Replacer::kLoop) {
             OnePassReplace(copy, shape.from, shape.to, expected.size());
+        } else {
+            std::size_t const behind = first + shape.from.size();
+            std::memmove(copy.data() + first, copy.data() + behind, copy.size() - behind);
+            copy.resize(copy.size() - shape.from.size());
         }
         benchmark::DoNotOptimize(copy.data());
         replaced = std::move(copy);
@@ -299,10 +317,13 @@ void RunReplace(benchmark::State& state, std::string_view const& name) {
 }
 
 void BM_ReplaceAll(benchmark::State& state, std::string_view const& name) {
-    RunReplace<true>(state, name);
+    RunReplace<Replacer::kLibrary>(state, name);
 }
 void BM_OnePassReplace(benchmark::State& state, std::string_view const& name) {
-    RunReplace<false>(state, name);
+    RunReplace<Replacer::kLoop>(state, name);
+}
+void BM_MoveBehindFirst(benchmark::State& state, std::string_view const& name) {
+    RunReplace<Replacer::kMove>(state, name);
 }
 
 // Names the path of the string library in the run's context, once.
@@ -353,6 +374,9 @@ TAVREL_REPLACE(3to0_sparse4k);
 TAVREL_REPLACE(3to0_random100);
 TAVREL_REPLACE(1to3_random100);
 TAVREL_REPLACE(3to0_random10);
+BENCHMARK_CAPTURE(BM_MoveBehindFirst, 3to0_sparse, "3to0_sparse")
+    ->Arg(1 << 20)
+    ->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(BM_ReplaceAll, 2diff_dense, "2diff_dense")
     ->Arg(16 << 20)
     ->Unit(benchmark::kMicrosecond);

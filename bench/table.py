@@ -21,7 +21,7 @@ MIB64 = "67108864"
 #   kind "info":       ratio as for throughput, shown without a target
 ROWS = [
     ("Size through the entry", "BM_Size_Entry",
-     "hand-written entry", "BM_Size_HandWritten", "time", 1.1),
+     "hand-written entry, same shared object", "BM_Size_HandWritten", "time", 1.1),
 ]
 # The roads that read a range into a new string or buffer zero it before their one Read, so
 # that the result holds exactly what the Read wrote: 0.6 at 1 MiB, 0.8 at 64 MiB. ToDataRef
@@ -86,6 +86,11 @@ for shape, label, target in (
     ROWS.append(("ReplaceAll, %s, 1 MiB" % label, "BM_ReplaceAll/%s/%s" % (shape, MIB),
                  "one-pass find + append loop", "BM_OnePassReplace/%s/%s" % (shape, MIB),
                  "throughput" if target else "info", target or 0))
+# What any in-place deletion has to do on the sparse text: move the bytes behind the first
+# occurrence down once (memmove), against the same loop.
+ROWS.append(("memmove of the text behind the first <b>, sparse, 1 MiB",
+             "BM_MoveBehindFirst/3to0_sparse/" + MIB, "one-pass find + append loop",
+             "BM_OnePassReplace/3to0_sparse/" + MIB, "info", 0))
 ROWS += [
     ("ReplaceAll, 16 MiB", "BM_ReplaceAll/2diff_dense/16777216",
      "ReplaceAll, 1 MiB", "BM_ReplaceAll/2diff_dense/" + MIB, "time", 20.0),

@@ -30,10 +30,13 @@
 // hand-written one would be: the typed function called directly, no call per argument.
 // NOTE: the pieces are templates shared by several entries, which the compiler would otherwise
 // keep as calls of their own.
+// TAVREL_BINDING_INLINE_LAMBDA does the same for a lambda, between its parameters and its body.
 #if defined(__GNUC__) || defined(__clang__)
 #define TAVREL_BINDING_INLINE __attribute__((always_inline)) inline
+#define TAVREL_BINDING_INLINE_LAMBDA __attribute__((always_inline))
 #else
 #define TAVREL_BINDING_INLINE inline
+#define TAVREL_BINDING_INLINE_LAMBDA
 #endif
 
 namespace Tavrel {
@@ -92,7 +95,10 @@ T NumberToIntegral(double value) {
 }
 
 inline bool HasType(IVariant* variant, unsigned int type) {
-    return variant != nullptr && variant->GetType() == type;
+    if (variant != nullptr && variant->GetType() == type) [[likely]] {
+        return true;
+    }
+    return false;
 }
 
 // DATAREF => the variant's buffer, moved in; a DATAREF that holds no buffer still succeeds.
@@ -207,16 +213,18 @@ public:
         static_assert(ScriptTypeOf<T>::kParameter,
                       "A script argument binds only to AutoRefPtr<IDataRef>, long long, "
                       "std::string or std::string_view.");
-        if (mError != 0) {
+        // NOTE: the hints keep a call that binds at once on a straight line of code; a script
+        // error is the rare case.
+        if (mError != 0) [[unlikely]] {
             return;
         }
         ++mIndex;
-        if (mIndex >= mCount) {
+        if (mIndex >= mCount) [[unlikely]] {
             mError = MakeStatusWord(mIndex, kArgumentMissing);
             return;
         }
         IVariant* const variant = mArguments[mIndex];
-        if (binding_detail::CheckAndConvert<T>(variant, holder)) {
+        if (binding_detail::CheckAndConvert<T>(variant, holder)) [[likely]] {
             return;
         }
         mError = MakeStatusWord(mIndex, IsEmptyUserDefined(variant) ? kEmptyUserDefined
@@ -276,7 +284,7 @@ public:
     TAVREL_BINDING_INLINE unsigned int operator()(F const& function, H&&... holders) {
         CPPNameParameterTransformer transformer(mContext, mInfo, mArguments, mCount);
         for_each_argument(transformer, holders...);
-        if (transformer.Error() != 0) {
+        if (transformer.Error() != 0) [[unlikely]] {
             SetEmptyReturn();
             return transformer.Error();
         }
@@ -379,7 +387,11 @@ TAVREL_BINDING_INLINE unsigned int CallEntry(R (*function)(P...), int count, IVa
     // NOTE: the caller takes the context before the module information, the reverse of
     // the entry's own order.
     CPPNameFunctionCaller<R> caller(arguments, count, result, context, info);
-    return holders.Apply([&](auto&... holder) { return caller(local, holder...); });
+    // NOTE: the lambda is folded in too; as a call of its own, the typed function inside it
+    // would be reached through a pointer that only link-time optimisation sees to be constant,
+    // too late to be inlined.
+    return holders.Apply(
+        [&](auto&... holder) TAVREL_BINDING_INLINE_LAMBDA { return caller(local, holder...); });
 }
 
 }  // namespace Tavrel

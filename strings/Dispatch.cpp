@@ -24,7 +24,8 @@ StringsPath FastestPath() {
     bool const bits = __builtin_cpu_supports("popcnt") && __builtin_cpu_supports("bmi") &&
                       __builtin_cpu_supports("bmi2");
     if (bits && __builtin_cpu_supports("avx2")) {
-        if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw")) {
+        if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+            __builtin_cpu_supports("avx512vl")) {
             return StringsPath::kAvx512;
         }
         return StringsPath::kAvx2;

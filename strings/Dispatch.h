@@ -2,7 +2,7 @@
 // checks of Validate.h, the occurrence scanner of ReplaceAll and the candidate filter of
 // FindCaseInsensitive. Every path gives the same results; they differ only in speed.
 // The path is chosen once, on first use, from what the processor has (SSE2 as the floor on
-// x86-64, AVX2 and AVX-512BW where present) and from the environment variable
+// x86-64, AVX2 and AVX-512BW with AVX-512VL where present) and from the environment variable
 // TAVREL_STRINGS_PATH, which can only lower it. Tests, fuzzers and benchmarks may switch it
 // afterwards. A build with TAVREL_STRINGS_NO_SIMD, or for a processor other than x86, has the
 // portable path only. Does not decide anything else about the library.

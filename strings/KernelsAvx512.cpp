@@ -2,7 +2,7 @@
 // loads for the last bytes of a text (a masked load does not touch the bytes it leaves out).
 // Every function carries the target attribute, so the rest of the library, and every function
 // that the compiler emits from a header, stays within the x86-64 base; these run only after
-// Dispatch.cpp has seen AVX-512F, AVX-512BW, BMI1, BMI2 and POPCNT.
+// Dispatch.cpp has seen AVX-512F, AVX-512BW, AVX-512VL, BMI1, BMI2 and POPCNT.
 // NOTE: no lambdas here: a lambda does not inherit its function's target attribute.
 #include "strings/Kernels.h"
 
@@ -14,7 +14,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#define TAVREL_AVX512 __attribute__((target("avx512f,avx512bw,bmi,bmi2,popcnt")))
+#define TAVREL_AVX512 __attribute__((target("avx512f,avx512bw,avx512vl,bmi,bmi2,popcnt")))
 
 namespace Tavrel::kernels {
 
@@ -312,17 +312,6 @@ TAVREL_AVX512 std::size_t FindCandidates(char const* text, std::size_t pos, std:
                            : FindCandidatesOf<true>(text, pos, lastStart, filter, mask);
 }
 
-// How far ahead of the blocks being looked at ReplaceRun asks for the text: an occurrence
-// costs a mispredicted branch, and the work after it then finds its bytes in the first cache.
-constexpr std::size_t kPrefetchAhead = 8192;
-
-TAVREL_AVX512 void Prefetch256(char const* at) {
-    _mm_prefetch(at, _MM_HINT_T0);
-    _mm_prefetch(at + 64, _MM_HINT_T0);
-    _mm_prefetch(at + 128, _MM_HINT_T0);
-    _mm_prefetch(at + 192, _MM_HINT_T0);
-}
-
 // The bytes from source to source + n - 1 (n <= 64) copied to target, which may lie below
 // source in the same text: all are loaded before any is stored.
 TAVREL_AVX512 void CopyUpTo64(char* target, char const* source, std::size_t n) {
@@ -330,178 +319,306 @@ TAVREL_AVX512 void CopyUpTo64(char* target, char const* source, std::size_t n) {
     _mm512_mask_storeu_epi8(target, lanes, _mm512_maskz_loadu_epi8(lanes, source));
 }
 
-// The whole replacement loop for patterns and replacements of at most 64 bytes: candidates
-// from the first and last byte, 64 starts at a time, checked with one masked compare, and
-// every piece moved with one masked load and store, so that an occurrence costs no branch on
-// a length. Where four blocks in a row hold no first byte, they move as they are.
+// A pattern of ReplaceRun and its replacement in registers.
+struct RunPattern {
+    __m512i from;  // the pattern, zeros behind it
+    __m512i to;    // the replacement, zeros behind it
+    __m256i to32;  // its first 32 bytes
+    __m512i head;  // the pattern's first byte in every lane
+    __m512i tail;  // its last byte in every lane
+    std::uint64_t fromLanes;
+    std::uint64_t toLanes;
+    std::size_t fromSize;
+    std::size_t toSize;
+};
+
+TAVREL_AVX512 RunPattern RunPatternOf(Replacement64 const& pattern) {
+    std::uint64_t const fromLanes = FirstLanes(pattern.fromSize);
+    std::uint64_t const toLanes = FirstLanes(pattern.toSize);
+    return {_mm512_maskz_loadu_epi8(fromLanes, pattern.from),
+            _mm512_maskz_loadu_epi8(toLanes, pattern.to),
+            _mm256_maskz_loadu_epi8(static_cast<__mmask32>(toLanes), pattern.to),
+            Spread(static_cast<unsigned char>(pattern.from[0])),
+            Spread(static_cast<unsigned char>(pattern.from[pattern.fromSize - 1])),
+            fromLanes,
+            toLanes,
+            pattern.fromSize,
+            pattern.toSize};
+}
+
+// Stores the replacement at at, with a store no wider than 32 bytes where it fits in them.
+// NOTE: a masked store keeps the whole width of its register from being read back at once by
+// the loads that follow it; the narrower store leaves the next 32 bytes free for them.
+TAVREL_AVX512 inline __attribute__((always_inline)) void StoreReplacement(
+    char* at, RunPattern const& pattern) {
+    if (pattern.toSize <= 32) {
+        _mm256_mask_storeu_epi8(at, static_cast<__mmask32>(pattern.toLanes), pattern.to32);
+    } else {
+        _mm512_mask_storeu_epi8(at, pattern.toLanes, pattern.to);
+    }
+}
+
+// Overwrites, in text, the occurrences among candidates (bit k: a start at base + k whose first
+// and last bytes agree) that begin at or behind next, the end of the last occurrence, from left
+// to right, each checked in full with one masked compare.
+TAVREL_AVX512 inline __attribute__((always_inline)) void OverwriteCandidates(
+    char* text, std::size_t base, std::uint64_t candidates, std::size_t& next,
+    RunPattern const& pattern) {
+    if (next > base) {
+        candidates &= next - base >= 64 ? 0 : ~FirstLanes(next - base);
+    }
+    while (candidates != 0) {
+        std::size_t const at = base + LowestBit(candidates);
+        if (pattern.fromSize > 2 &&
+            _mm512_cmpneq_epi8_mask(LoadFirst(text + at, pattern.fromLanes), pattern.from) != 0) {
+            candidates &= candidates - 1;
+            continue;
+        }
+        StoreReplacement(text + at, pattern);
+        next = at + pattern.fromSize;
+        std::size_t const skip = next - base;  // no overlaps: starts behind it are left
+        candidates = skip < 64 ? candidates & (~std::uint64_t{0} << skip) : 0;
+    }
+}
+
+// Overwrites the occurrences among the count (at most 64) starts from block on, read with
+// masked loads, so that no byte behind the text is touched.
+TAVREL_AVX512 inline __attribute__((always_inline)) void OverwriteFew(char* text, std::size_t block,
+                                                                      std::size_t count,
+                                                                      std::size_t& next,
+                                                                      RunPattern const& pattern) {
+    std::uint64_t const lanes = FirstLanes(count);
+    char const* const at = text + block;
+    std::uint64_t const candidates =
+        Equal<false>(LoadFirst(at, lanes), &pattern.head) &
+        Equal<false>(LoadFirst(at + pattern.fromSize - 1, lanes), &pattern.tail) & lanes;
+    OverwriteCandidates(text, block, candidates, next, pattern);
+}
+
+// A replacement of the same length in place, from the occurrence at pos on: nothing moves, so
+// the text is scanned on a fixed grid of 256 starts per step from a multiple of 64 on, and
+// where to go on never waits for an occurrence to be checked and written.
+// NOTE: a replacement written over an occurrence that reaches into the next step changes bytes
+// that step reads; they lie before the end of that occurrence, where no start counts.
+TAVREL_AVX512 void OverwriteRun(char* text, std::size_t size, std::size_t pos,
+                                RunPattern const& pattern) {
+    std::size_t const n = pattern.fromSize;
+    std::size_t const lastStart = size - n;
+    std::size_t next = pos;
+    std::size_t block = pos;
+    if (std::size_t const lead = AlignmentLead(text + pos); lead != 0) {
+        std::size_t const count = std::min(lead, lastStart - pos + 1);
+        OverwriteFew(text, block, count, next, pattern);
+        block += count;
+    }
+    // Whole steps: 256 starts whose last bytes lie within the text.
+    for (; block <= lastStart && lastStart - block >= 255; block += 256) {
+        char* const at = text + block;
+        std::uint64_t heads0 = Equal<false>(Load(at), &pattern.head);
+        std::uint64_t heads1 = Equal<false>(Load(at + 64), &pattern.head);
+        std::uint64_t heads2 = Equal<false>(Load(at + 128), &pattern.head);
+        std::uint64_t heads3 = Equal<false>(Load(at + 192), &pattern.head);
+        if ((heads0 | heads1 | heads2 | heads3) == 0) {
+            continue;
+        }
+        char const* const tails = at + n - 1;
+        heads0 &= Equal<false>(Load(tails), &pattern.tail);
+        heads1 &= Equal<false>(Load(tails + 64), &pattern.tail);
+        heads2 &= Equal<false>(Load(tails + 128), &pattern.tail);
+        heads3 &= Equal<false>(Load(tails + 192), &pattern.tail);
+        OverwriteCandidates(text, block, heads0, next, pattern);
+        OverwriteCandidates(text, block + 64, heads1, next, pattern);
+        OverwriteCandidates(text, block + 128, heads2, next, pattern);
+        OverwriteCandidates(text, block + 192, heads3, next, pattern);
+    }
+    for (; block <= lastStart; block += 64) {
+        OverwriteFew(text, block, std::min<std::size_t>(64, lastStart - block + 1), next, pattern);
+    }
+}
+
+// Where ReplaceRun reads and writes.
+struct Run {
+    char const* in;
+    char* out;
+    std::size_t read;
+    std::size_t write;
+    bool inPlace;
+
+    // Whether the bytes read must be stored: not where, in place, nothing has moved yet.
+    bool MustCopy() const { return !inPlace || write != read; }
+};
+
+// Replaces the occurrences among candidates (bit k: a start at block + k whose first and last
+// bytes agree; block <= run.read) from left to right, each checked in full with one masked
+// compare, and its piece before it moved with one masked load and store. Gives false when it
+// stopped before an occurrence for want of room before outEnd.
+TAVREL_AVX512 inline __attribute__((always_inline)) bool ReplaceCandidates(
+    Run& run, std::size_t block, std::uint64_t candidates, RunPattern const& pattern,
+    std::size_t outEnd) {
+    while (candidates != 0) {
+        std::size_t const at = block + LowestBit(candidates);
+        // Up to 2 bytes, the first and last bytes are the whole pattern.
+        if (pattern.fromSize > 2 &&
+            _mm512_cmpneq_epi8_mask(LoadFirst(run.in + at, pattern.fromLanes), pattern.from) != 0) {
+            candidates &= candidates - 1;
+            continue;
+        }
+        if (outEnd - run.write < kRunRoom) {
+            return false;
+        }
+        if (run.MustCopy()) {
+            CopyUpTo64(run.out + run.write, run.in + run.read, at - run.read);
+        }
+        run.write += at - run.read;
+        StoreReplacement(run.out + run.write, pattern);
+        run.write += pattern.toSize;
+        run.read = at + pattern.fromSize;
+        std::size_t const skip = run.read - block;  // no overlaps: starts behind it are left
+        candidates = skip < 64 ? candidates & (~std::uint64_t{0} << skip) : 0;
+    }
+    return true;
+}
+
+// Moves the blocks from run.read on while they hold no first byte, 64 bytes per step, at most
+// blocks of them.
+TAVREL_AVX512 inline __attribute__((always_inline)) void CopyClearBlocks(Run& run,
+                                                                         std::size_t blocks,
+                                                                         __m512i head) {
+    char const* source = run.in + run.read;
+    char* target = run.out + run.write;
+    char const* const end = source + 64 * blocks;
+    for (; source != end; source += 64, target += 64) {
+        __m512i const bytes = Load(source);
+        if (Equal<false>(bytes, &head) != 0) {
+            break;
+        }
+        _mm512_storeu_si512(target, bytes);
+    }
+    std::size_t const moved = static_cast<std::size_t>(source - (run.in + run.read));
+    run.read += moved;
+    run.write += moved;
+}
+
+// Passes over the blocks from run.read on while they hold no first byte, where nothing has to
+// move: four blocks per step while 256 bytes are left, then to the first block that holds one.
+TAVREL_AVX512 inline __attribute__((always_inline)) void SkipClearBlocks(Run& run, std::size_t size,
+                                                                         __m512i head) {
+    std::size_t at = run.read;
+    for (; size - at >= 256; at += 256) {
+        char const* const bytes = run.in + at;
+        std::uint64_t const heads0 = Equal<false>(Load(bytes), &head);
+        std::uint64_t const heads1 = Equal<false>(Load(bytes + 64), &head);
+        std::uint64_t const heads2 = Equal<false>(Load(bytes + 128), &head);
+        std::uint64_t const heads3 = Equal<false>(Load(bytes + 192), &head);
+        if ((heads0 | heads1 | heads2 | heads3) != 0) {
+            at += 64 * LowestBit(std::uint64_t{heads0 != 0} | std::uint64_t{heads1 != 0} << 1 |
+                                 std::uint64_t{heads2 != 0} << 2 | std::uint64_t{1} << 3);
+            break;
+        }
+    }
+    run.write += at - run.read;
+    run.read = at;
+}
+
+// The whole replacement loop for patterns and replacements of at most 64 bytes. Each step
+// takes the 64 starts from where the reading stands, wherever that lies: blocks without a
+// first byte move as they are, in a tight loop of their own; in a block with one, the
+// candidates whose last byte also agrees are checked and replaced, and the next step starts
+// behind the last occurrence, so that no branch depends on a length. Where nothing has to move
+// (in place, before anything changed size), four blocks are looked at per step.
+// NOTE: one block per step where bytes move: an occurrence then costs one mispredicted branch,
+// where a step of several blocks costs a second one to find the block that holds it.
 TAVREL_AVX512 std::size_t ReplaceRun(char const* in, std::size_t size, std::size_t* read, char* out,
                                      std::size_t write, std::size_t outEnd,
                                      Replacement64 const& pattern) {
-    std::size_t const fromSize = pattern.fromSize;
-    std::size_t const toSize = pattern.toSize;
-    __m512i const from = _mm512_maskz_loadu_epi8(FirstLanes(fromSize), pattern.from);
-    std::uint64_t const toLanes = FirstLanes(toSize);
-    __m512i const to = _mm512_maskz_loadu_epi8(toLanes, pattern.to);
-    __m512i const head = Spread(static_cast<unsigned char>(pattern.from[0]));
-    __m512i const tail = Spread(static_cast<unsigned char>(pattern.from[fromSize - 1]));
-    std::size_t const tailOffset = fromSize - 1;
-    // Up to 2 bytes, a start whose first and last bytes agree is an occurrence.
-    bool const exactFilter = fromSize <= 2;
-    // NOTE: in place, pieces that stay where they are need not be copied; out and in are
-    // compared as addresses only.
-    bool const inPlace =
-        reinterpret_cast<std::uintptr_t>(out) == reinterpret_cast<std::uintptr_t>(in);
-    std::size_t r = *read;
-    std::size_t w = write;
-    if (size >= fromSize) {
-        std::size_t const lastStart = size - fromSize;
-        std::size_t block = r;
-        // Whether the last block taken alone held a candidate: then the next one is taken
-        // alone too, since where occurrences crowd, four clear blocks are rare.
-        bool crowded = false;
-        while (block <= lastStart) {
-            if (outEnd - w < kRunRoom) {
-                *read = r;
-                return w;
+    RunPattern const p = RunPatternOf(pattern);
+    std::size_t const n = p.fromSize;
+    // NOTE: in and out are compared as addresses only.
+    Run run{in, out, *read, write,
+            reinterpret_cast<std::uintptr_t>(out) == reinterpret_cast<std::uintptr_t>(in)};
+    if (run.inPlace && !run.MustCopy() && p.toSize == n && size >= n) {
+        OverwriteRun(out, size, run.read, p);
+        *read = size;
+        return size;
+    }
+    // Whole blocks: 64 starts whose last bytes all lie within the text.
+    while (size - run.read >= 64 + n - 1 && outEnd - run.write >= kRunRoom) {
+        if (run.MustCopy()) {
+            CopyClearBlocks(run,
+                            std::min((size - run.read - (n - 1)) / 64,
+                                     (outEnd - run.write - kRunRoom) / 64 + 1),
+                            p.head);
+        } else {
+            SkipClearBlocks(run, size, p.head);
+        }
+        if (size - run.read < 64 + n - 1 || outEnd - run.write < kRunRoom) {
+            break;
+        }
+        std::size_t const block = run.read;
+        __m512i const bytes = Load(in + block);
+        std::uint64_t const heads = Equal<false>(bytes, &p.head);
+        if (heads != 0) {
+            std::uint64_t const candidates =
+                heads & Equal<false>(Load(in + block + n - 1), &p.tail);
+            if (!ReplaceCandidates(run, block, candidates, p, outEnd)) {
+                break;
             }
-            std::size_t const lead = AlignmentLead(in + block);
-            if (lead == 0 && r == block && lastStart - block >= 255 && outEnd - w >= 512 &&
-                !crowded) {
-                // The blocks before the first that holds a first byte move as they are; that
-                // one goes on below. Masked stores with all lanes or none, since a branch on
-                // which block it is would be mispredicted for most occurrences.
-                // NOTE: the usual case, four clear blocks, is a branch of its own, so that the
-                // next loads do not wait for these compares.
-                char const* const at = in + block;
-                if (size - block >= kPrefetchAhead + 256) {
-                    Prefetch256(at + kPrefetchAhead);
-                }
-                __m512i const block0 = Load(at);
-                __m512i const block1 = Load(at + 64);
-                __m512i const block2 = Load(at + 128);
-                __m512i const block3 = Load(at + 192);
-                std::uint64_t const heads0 = Equal<false>(block0, &head);
-                std::uint64_t const heads1 = Equal<false>(block1, &head);
-                std::uint64_t const heads2 = Equal<false>(block2, &head);
-                std::uint64_t const heads3 = Equal<false>(block3, &head);
-                bool const copy = !inPlace || w != r;
-                if ((heads0 | heads1 | heads2 | heads3) == 0) {
-                    if (copy) {
-                        _mm512_storeu_si512(out + w, block0);
-                        _mm512_storeu_si512(out + w + 64, block1);
-                        _mm512_storeu_si512(out + w + 128, block2);
-                        _mm512_storeu_si512(out + w + 192, block3);
+            if (run.read != block) {
+                // The rest of the block moves now, so that the next step starts where this one
+                // ends, whatever the occurrences were.
+                if (run.read < block + 64) {
+                    if (run.MustCopy()) {
+                        CopyUpTo64(out + run.write, in + run.read, block + 64 - run.read);
                     }
-                    block += 256;
-                    r = block;
-                    w += 256;
-                    continue;
+                    run.write += block + 64 - run.read;
+                    run.read = block + 64;
                 }
-                std::size_t const clear =
-                    LowestBit(std::uint64_t{heads0 != 0} | std::uint64_t{heads1 != 0} << 1 |
-                              std::uint64_t{heads2 != 0} << 2 | std::uint64_t{heads3 != 0} << 3);
-                if (copy) {
-                    std::uint64_t const all = ~std::uint64_t{0};
-                    _mm512_mask_storeu_epi8(out + w, clear > 0 ? all : 0, block0);
-                    _mm512_mask_storeu_epi8(out + w + 64, clear > 1 ? all : 0, block1);
-                    _mm512_mask_storeu_epi8(out + w + 128, clear > 2 ? all : 0, block2);
-                }
-                block += 64 * clear;
-                r = block;
-                w += 64 * clear;
-            }
-            std::size_t const count =
-                std::min(lead == 0 ? std::size_t{64} : lead, lastStart - block + 1);
-            std::size_t const end = block + count;
-            if (r >= end) {  // an occurrence reaches over the whole block
-                block = end;
                 continue;
             }
-            std::uint64_t candidates = 0;
-            if (count == 64 && r == block) {
-                // A whole block from its start: plain loads, and a clear block moves at once.
-                __m512i const bytes = Load(in + block);
-                candidates =
-                    Equal<false>(bytes, &head) & Equal<false>(Load(in + block + tailOffset), &tail);
-                crowded = (candidates & (candidates - 1)) != 0;
-                if (candidates == 0) {
-                    if (!inPlace || w != r) {
-                        _mm512_storeu_si512(out + w, bytes);
-                    }
-                    block = end;
-                    r = end;
-                    w += 64;
-                    continue;
-                }
-            } else {
-                std::uint64_t const lanes = FirstLanes(count) & ~FirstLanes(r - block);
-                candidates = Equal<false>(LoadFirst(in + block, lanes), &head) &
-                             Equal<false>(LoadFirst(in + block + tailOffset, lanes), &tail) & lanes;
-                crowded = (candidates & (candidates - 1)) != 0;
+        }
+        if (run.MustCopy()) {
+            _mm512_storeu_si512(out + run.write, bytes);
+        }
+        run.read += 64;
+        run.write += 64;
+    }
+    // The last bytes, fewer than 64 + n - 1: masked loads read only them.
+    while (run.read < size && outEnd - run.write >= kRunRoom) {
+        std::size_t const block = run.read;
+        std::size_t const count = std::min<std::size_t>(64, size - block);
+        std::size_t const starts = size - block >= n ? std::min(count, size - block - n + 1) : 0;
+        std::uint64_t const lanes = FirstLanes(starts);
+        std::uint64_t const candidates =
+            Equal<false>(LoadFirst(in + block, lanes), &p.head) &
+            Equal<false>(LoadFirst(in + block + n - 1, lanes), &p.tail) & lanes;
+        if (!ReplaceCandidates(run, block, candidates, p, outEnd)) {
+            break;
+        }
+        if (run.read == block) {
+            if (run.MustCopy()) {
+                CopyUpTo64(out + run.write, in + block, count);
             }
-            while (candidates != 0) {
-                std::size_t const at = block + LowestBit(candidates);
-                if (!exactFilter &&
-                    _mm512_cmpneq_epi8_mask(LoadFirst(in + at, FirstLanes(fromSize)), from) != 0) {
-                    candidates &= candidates - 1;
-                    continue;
-                }
-                if (outEnd - w < kRunRoom) {
-                    *read = r;
-                    return w;
-                }
-                if (!inPlace || w != r) {
-                    CopyUpTo64(out + w, in + r, at - r);
-                }
-                w += at - r;
-                _mm512_mask_storeu_epi8(out + w, toLanes, to);
-                w += toSize;
-                r = at + fromSize;
-                std::size_t const skip = r - block;  // no overlaps: starts behind it are left
-                candidates = skip < 64 ? candidates & (~std::uint64_t{0} << skip) : 0;
-            }
-            if (r < end) {
-                if (!inPlace || w != r) {
-                    CopyUpTo64(out + w, in + r, end - r);
-                }
-                w += end - r;
-                r = end;
-            }
-            block = end;
+            run.read += count;
+            run.write += count;
         }
     }
-    // The bytes behind the last start, fewer than 64.
-    if (r < size) {
-        if (!inPlace || w != r) {
-            CopyUpTo64(out + w, in + r, size - r);
-        }
-        w += size - r;
-        r = size;
-    }
-    *read = r;
-    return w;
+    *read = run.read;
+    return run.write;
 }
 
-#define TAVREL_AVX512_VBMI2 __attribute__((target("avx512f,avx512bw,avx512vbmi2,bmi,bmi2,popcnt")))
+#define TAVREL_AVX512_VBMI2 \
+    __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi2,bmi,bmi2,popcnt")))
 
-// The starts of the occurrences among the lanes at at: for up to 3 bytes the first, middle and
-// last bytes are the whole pattern; a longer one is compared in full at each candidate. Only
-// the bytes of those lanes (and fromSize - 1 behind them) are read.
-template <bool kWhole>
+// The starts of the occurrences among the 64 lanes of block, read at at: for up to 3 bytes the
+// first, middle and last bytes are the whole pattern; a longer one is compared in full at each
+// candidate. Reads fromSize - 1 bytes behind the block.
 TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) std::uint64_t Occurrences(
-    char const* at, std::uint64_t lanes, __m512i block, Replacement64 const& pattern,
-    __m512i const* probes, __m512i from) {
+    char const* at, __m512i block, Replacement64 const& pattern, __m512i const* probes,
+    __m512i from) {
     std::size_t const last = pattern.fromSize - 1;
-    std::uint64_t starts = 0;
-    if constexpr (kWhole) {
-        starts = _mm512_cmpeq_epi8_mask(block, probes[0]) &
-                 _mm512_cmpeq_epi8_mask(Load(at + last / 2), probes[1]) &
-                 _mm512_cmpeq_epi8_mask(Load(at + last), probes[2]);
-    } else {
-        starts = _mm512_mask_cmpeq_epi8_mask(lanes, block, probes[0]) &
-                 _mm512_cmpeq_epi8_mask(LoadFirst(at + last / 2, lanes), probes[1]) &
-                 _mm512_cmpeq_epi8_mask(LoadFirst(at + last, lanes), probes[2]);
-    }
+    std::uint64_t starts = _mm512_cmpeq_epi8_mask(block, probes[0]) &
+                           _mm512_cmpeq_epi8_mask(Load(at + last / 2), probes[1]) &
+                           _mm512_cmpeq_epi8_mask(Load(at + last), probes[2]);
     if (pattern.fromSize > 3) {
         for (std::uint64_t candidates = starts; candidates != 0; candidates &= candidates - 1) {
             std::size_t const k = LowestBit(candidates);
@@ -514,55 +631,75 @@ TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) std::uint64_t Occurren
     return starts;
 }
 
-// State of the deletion loop: where it reads and writes, and the lanes at the start of the
-// next block that an occurrence of the block before still covers.
-struct Deletion {
-    char const* in;
-    char* out;
-    std::size_t read;
-    std::size_t write;
-    std::uint64_t carry;
-};
+// Moves the blocks from run.read on as they are while they hold no first byte, at most blocks of
+// them; gives true with the first block that holds one in block, false when none of them does.
+// NOTE: two blocks per step, and no branch of its own to tell which of the two holds a first
+// byte: the first is stored with all lanes or none, and the step moves on by it or not.
+TAVREL_AVX512 inline __attribute__((always_inline)) bool MoveToHead(Run& run, std::size_t blocks,
+                                                                    __m512i head, __m512i& block) {
+    char const* source = run.in + run.read;
+    char* target = run.out + run.write;
+    bool found = false;
+    for (; blocks >= 2; blocks -= 2) {
+        __m512i const first = Load(source);
+        __m512i const second = Load(source + 64);
+        std::uint64_t const heads0 = Equal<false>(first, &head);
+        std::uint64_t const heads1 = Equal<false>(second, &head);
+        if ((heads0 | heads1) != 0) {
+            bool const firstClear = heads0 == 0;
+            _mm512_mask_storeu_epi8(target, firstClear ? ~std::uint64_t{0} : 0, first);
+            block = _mm512_mask_mov_epi64(first, firstClear ? 0xFF : 0, second);
+            source += firstClear ? 64 : 0;
+            target += firstClear ? 64 : 0;
+            found = true;
+            break;
+        }
+        _mm512_storeu_si512(target, first);
+        _mm512_storeu_si512(target + 64, second);
+        source += 128;
+        target += 128;
+    }
+    if (!found && blocks == 1) {
+        block = Load(source);
+        found = Equal<false>(block, &head) != 0;
+        if (!found) {
+            _mm512_storeu_si512(target, block);
+            source += 64;
+        }
+    }
+    std::size_t const moved = static_cast<std::size_t>(source - (run.in + run.read));
+    run.read += moved;
+    run.write += moved;
+    return found;
+}
 
-// Moves the count (1 to 64) bytes at in + read to out + write less the bytes that
-// occurrences cover, and advances both. A whole block is stored whole: in place, out + write
-// lies at or below in + read, so its 64 bytes end where the block ends.
+// Moves the 64 bytes of block, read at run.in + run.read, to run.out + run.write less the bytes
+// that occurrences cover, and advances both; carry holds the lanes at the block's start that an
+// occurrence of the block before still covers, and becomes those of the next block. The block
+// is stored whole: in place, out + write lies at or below in + read, so its 64 bytes end where
+// the block ends.
 // NOTE: the occurrences of a pattern without a border never overlap, so the lanes each one
 // covers, from its start s to s + fromSize - 1, are (1 << (s + fromSize)) - (1 << s), and the
 // sum of those over all starts is their union. Taken as a 128-bit number, its upper half (what
 // reaches past lane 63) is the next block's carry: the upper half of the shifted starts less
 // the borrow of the lower half.
-template <bool kWhole>
 TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) void DropOccurrences(
-    Deletion& d, std::size_t count, Replacement64 const& pattern, __m512i const* probes,
-    __m512i from) {
+    Run& run, std::uint64_t& carry, __m512i block, Replacement64 const& pattern,
+    __m512i const* probes, __m512i from) {
     std::size_t const n = pattern.fromSize;
-    char const* const at = d.in + d.read;
-    std::uint64_t const lanes = kWhole ? ~std::uint64_t{0} : FirstLanes(count);
-    __m512i const block = kWhole ? Load(at) : LoadFirst(at, lanes);
-    std::uint64_t const starts = Occurrences<kWhole>(at, lanes, block, pattern, probes, from);
+    std::uint64_t const starts = Occurrences(run.in + run.read, block, pattern, probes, from);
     std::uint64_t const ends = n == 64 ? 0 : starts << n;
     std::uint64_t const covered = ends - starts;
-    std::uint64_t const above =
-        (n == 64 ? starts : starts >> (64 - n)) - std::uint64_t{ends < starts};
-    std::uint64_t const keep = ~(covered | d.carry) & lanes;
-    // The carry for the block that begins behind these count lanes.
-    d.carry = kWhole ? above : (covered >> count) | (above << (64 - count));
-    __m512i const packed = _mm512_maskz_compress_epi8(keep, block);
-    std::size_t const kept = static_cast<std::size_t>(_mm_popcnt_u64(keep));
-    if constexpr (kWhole) {
-        _mm512_storeu_si512(d.out + d.write, packed);
-    } else {
-        _mm512_mask_storeu_epi8(d.out + d.write, FirstLanes(kept), packed);
-    }
-    d.write += kept;
-    d.read += count;
+    std::uint64_t const keep = ~(covered | carry);
+    carry = (n == 64 ? starts : starts >> (64 - n)) - std::uint64_t{ends < starts};
+    _mm512_storeu_si512(run.out + run.write, _mm512_maskz_compress_epi8(keep, block));
+    run.write += static_cast<std::size_t>(_mm_popcnt_u64(keep));
+    run.read += 64;
 }
 
-// The deletion loop: a block that holds a first byte, or the end of an occurrence, passes
-// through one compress, whatever the number of occurrences in it; four blocks in a row without
-// either move as they are. The blocks begin at multiples of 64 in the address space, so that
-// no load is split between two cache lines.
+// The deletion loop: 64 bytes from where the reading stands per step; blocks without a first
+// byte move as they are, and a block that holds one, or the end of an occurrence, passes through
+// one compress, whatever the number of occurrences in it.
 TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std::size_t* read,
                                           char* out, std::size_t write,
                                           Replacement64 const& pattern) {
@@ -571,45 +708,21 @@ TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std:
                                Spread(static_cast<unsigned char>(pattern.from[(n - 1) / 2])),
                                Spread(static_cast<unsigned char>(pattern.from[n - 1]))};
     __m512i const from = _mm512_maskz_loadu_epi8(FirstLanes(n), pattern.from);
+    Run run{in, out, *read, write, false};
+    std::uint64_t carry = 0;
     // Each block reads n - 1 bytes behind itself for the last byte of a start.
-    std::size_t const reach = 64 + n - 1;
-    Deletion d{in, out, *read, write, 0};
-    if (std::size_t const lead = AlignmentLead(in + d.read); lead != 0 && size - d.read >= reach) {
-        DropOccurrences<false>(d, lead, pattern, probes, from);
-    }
-    while (size - d.read >= 3 * std::size_t{64} + reach) {
-        char const* const at = in + d.read;
-        if (size - d.read >= kPrefetchAhead + 256) {
-            Prefetch256(at + kPrefetchAhead);
+    while (size - run.read >= 64 + n - 1) {
+        __m512i block;
+        if (carry != 0) {
+            block = Load(in + run.read);
+        } else if (!MoveToHead(run, (size - run.read - (n - 1)) / 64, probes[0], block)) {
+            break;
         }
-        std::uint64_t const heads[4] = {_mm512_cmpeq_epi8_mask(Load(at), probes[0]),
-                                        _mm512_cmpeq_epi8_mask(Load(at + 64), probes[0]),
-                                        _mm512_cmpeq_epi8_mask(Load(at + 128), probes[0]),
-                                        _mm512_cmpeq_epi8_mask(Load(at + 192), probes[0])};
-        if ((heads[0] | heads[1] | heads[2] | heads[3] | d.carry) == 0) {
-            for (std::size_t k = 0; k < 256; k += 64) {
-                _mm512_storeu_si512(out + d.write + k, Load(at + k));
-            }
-            d.read += 256;
-            d.write += 256;
-            continue;
-        }
-        for (std::uint64_t const blockHeads : heads) {
-            if ((blockHeads | d.carry) == 0) {
-                _mm512_storeu_si512(out + d.write, Load(in + d.read));
-                d.read += 64;
-                d.write += 64;
-            } else {
-                DropOccurrences<true>(d, 64, pattern, probes, from);
-            }
-        }
-    }
-    while (size - d.read >= reach) {
-        DropOccurrences<true>(d, 64, pattern, probes, from);
+        DropOccurrences(run, carry, block, pattern, probes, from);
     }
     // What the last occurrence still covers is passed over; the rest is left to the caller.
-    *read = d.read + static_cast<std::size_t>(_mm_popcnt_u64(d.carry));
-    return d.write;
+    *read = run.read + static_cast<std::size_t>(_mm_popcnt_u64(carry));
+    return run.write;
 }
 
 }  // namespace

@@ -296,7 +296,7 @@ private:
 };
 
 // The occurrences in the first kSample bytes from the first one, counted to guess the size of
-// a growing result and how dense the occurrences are. A wrong guess costs time, never a wrong
+// a growing result. A wrong guess costs time, never a wrong
 // result.
 struct Sample {
     static constexpr std::size_t kSample = 16384;
@@ -316,9 +316,6 @@ struct Sample {
                static_cast<std::size_t>(static_cast<double>(count) * static_cast<double>(span) /
                                         static_cast<double>(sampled));
     }
-
-    // Whether occurrences come at least once every 256 bytes.
-    bool Dense() const { return count * 256 >= sampled; }
 
     std::size_t span;     // the bytes from the first occurrence on
     std::size_t sampled;  // how many of them were looked at
@@ -365,10 +362,12 @@ bool HasBorder(std::string_view const& from) {
     return false;
 }
 
-// The replacement by the path's own loop (kernels::Kernels::replaceRun): in place when to is
-// not longer than from, otherwise through a buffer on the stack into a new string. A deletion
-// whose occurrences cannot overlap goes through the path's deletion loop first, where it has
-// one, which leaves only the last bytes to replaceRun.
+// The replacement by the path's own loop (kernels::Kernels::replaceRun). In place when to is
+// not longer than from; a deletion whose occurrences cannot overlap goes through the path's
+// deletion loop first, where it has one, which leaves only the last bytes to replaceRun.
+// A longer to builds the result in a new string, written straight into its storage from a
+// likely size; where that proves short, the string grows and the loop goes on from where it
+// stopped.
 void ReplaceByRun(std::string& text, std::string_view const& from, std::string_view const& to,
                   std::size_t first, kernels::Kernels const& kernels, Sample const* sample) {
     kernels::Replacement64 const pattern{from.data(), from.size(), to.data(), to.size()};
@@ -386,13 +385,21 @@ void ReplaceByRun(std::string& text, std::string_view const& from, std::string_v
         return;
     }
     std::string result;
-    result.reserve(LikelyResultSize(text, *sample, to.size() - from.size()));
-    result.append(text, 0, first);
-    char buffer[8192];
+    // NOTE: the loop stops where fewer than kRunRoom bytes are left, also before the last ones.
+    std::size_t room = LikelyResultSize(text, *sample, to.size() - from.size()) + kernels::kRunRoom;
+    std::size_t written = 0;
     while (read < size) {
-        std::size_t const end =
-            kernels.replaceRun(text.data(), size, &read, buffer, 0, sizeof buffer, pattern);
-        result.append(buffer, end);
+        // NOTE: resize_and_overwrite keeps the bytes written so far and leaves the rest of the
+        // storage as it is, so that each byte of the result is written once.
+        result.resize_and_overwrite(room, [&](char* out, std::size_t capacity) {
+            if (written == 0) {
+                std::memcpy(out, text.data(), first);
+                written = first;
+            }
+            written = kernels.replaceRun(text.data(), size, &read, out, written, capacity, pattern);
+            return written;
+        });
+        room = room < result.max_size() / 2 ? room * 2 : result.max_size();
     }
     text.swap(result);
 }
@@ -407,26 +414,21 @@ void ReplaceViews(std::string& text, std::string_view const& from, std::string_v
     if (first == kNotFound) {
         return;
     }
-    // The path's own loop where it has one and the pieces fit it: in place for a shorter to;
-    // for a longer one where occurrences are dense, since it then goes through a buffer of its
-    // own, which costs a second copy of each byte where long stretches lie between them.
+    // The path's own loop where it has one and the pieces fit it.
     kernels::Kernels const& kernels = kernels::ActiveKernels();
-    bool const byRun = kernels.replaceRun != nullptr && from.size() <= 64 && to.size() <= 64;
-    if (to.size() == from.size()) {
-        ReplaceSameSize(text, to, scanner, first);
-    } else if (to.size() < from.size()) {
-        if (byRun) {
+    if (kernels.replaceRun != nullptr && from.size() <= 64 && to.size() <= 64) {
+        if (to.size() <= from.size()) {
             ReplaceByRun(text, from, to, first, kernels, nullptr);
         } else {
-            ReplaceShrinking(text, from, to, scanner, first);
-        }
-    } else {
-        Sample const sample(text, from, first);
-        if (byRun && sample.Dense()) {
+            Sample const sample(text, from, first);
             ReplaceByRun(text, from, to, first, kernels, &sample);
-        } else {
-            ReplaceGrowing(text, from, to, scanner, first, sample);
         }
+    } else if (to.size() == from.size()) {
+        ReplaceSameSize(text, to, scanner, first);
+    } else if (to.size() < from.size()) {
+        ReplaceShrinking(text, from, to, scanner, first);
+    } else {
+        ReplaceGrowing(text, from, to, scanner, first, Sample(text, from, first));
     }
 }
 
