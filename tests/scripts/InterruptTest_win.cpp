@@ -17,7 +17,6 @@
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
-#include <sstream>
 #include <string>
 #include <thread>
 
@@ -154,12 +153,6 @@ private:
     bool mStarted = false;
 };
 
-std::string DescribeStatus(DWORD status) {
-    std::ostringstream text;
-    text << "status 0x" << std::hex << status;
-    return text.str();
-}
-
 TEST(Interruption, TwoCtrlCDuringOneLongReadEndTheProgram) {
     OwnConsole const console;
     ASSERT_TRUE(console.Made()) << "no console could be made: error " << ::GetLastError();
@@ -176,13 +169,13 @@ TEST(Interruption, TwoCtrlCDuringOneLongReadEndTheProgram) {
     ASSERT_EQ(problem, "") << "output: " << Contents(output);
     ASSERT_TRUE(console.SendCtrlC()) << "error " << ::GetLastError();  // the first Ctrl-C
     ASSERT_TRUE(program.RunsAfter(kAfterFirstCtrlC))
-        << "one Ctrl-C ended the program (" << DescribeStatus(program.ExitCode())
+        << "one Ctrl-C ended the program (status 0x" << std::hex << program.ExitCode()
         << "); output: " << Contents(output);
     ASSERT_TRUE(console.SendCtrlC()) << "error " << ::GetLastError();  // the second one
     ASSERT_FALSE(program.RunsAfter(kLongWait)) << "the second Ctrl-C did not end the program";
 
     EXPECT_EQ(program.ExitCode(), static_cast<DWORD>(STATUS_CONTROL_C_EXIT))
-        << DescribeStatus(program.ExitCode());
+        << std::hex << program.ExitCode();
     EXPECT_EQ(Contents(output), "") << "the program went on after the second Ctrl-C";
 }
 

@@ -168,9 +168,6 @@ TEST(Prompt, AnswersAsAPersonTypes) {
                     "quit or Ctrl-D to leave."},
                    {"", "tvl> "},
                    {"help\n", "Script functions (help NAME shows one; Tab completes names):"},
-                   {"",
-                    "  Binary.Slice         (DATAREF,NUMBER,NUMBER) -> DATAREF\r\n"
-                    "                       (DATAREF,NUMBER) -> DATAREF\r\n"},
                    {"help Binary.Copy\n", "CONST_FUNCTION, entry tavrel_module_BinaryCopyPart"},
                    {"greeting = ToDataRef(\"hello\")\n", "tvl> "},
                    // Tab completes a function, a variable, and a file inside a string.
