@@ -10,8 +10,8 @@ namespace {
 using Tavrel::AutoRefPtr;
 using Tavrel::IPolicy;
 
-// The reports with every field, the interruption flag and clearing it are the module tests',
-// the interpreter's and the prompt's.
+// The reports with every field are the module tests', setting the interruption flag the
+// interpreter's.
 TEST(Context, DropsReportsWithoutAHandlerAndSharesThePolicy) {
     AutoRefPtr<IPolicy> policy(new FilePolicy());
     {
@@ -28,6 +28,9 @@ TEST(Context, DropsReportsWithoutAHandlerAndSharesThePolicy) {
         IPolicy* raw = context.Interface_GetPolicy();
         EXPECT_EQ(raw->Interface_GetCount(), 3) << "ours, the context's, the one handed out";
         raw->Release();
+        context.Interrupt();
+        context.ClearInterrupt();
+        EXPECT_FALSE(context.Interface_IsInterrupted());
     }
     EXPECT_EQ(policy->Interface_GetCount(), 1);
     Context withoutPolicy{AutoRefPtr<IPolicy>()};
