@@ -33,9 +33,8 @@ TEST(DefinitionText, ParsesEntriesOrSaysWhereItFails) {
     rows::Expect<std::string, std::vector<std::string>>(
         {
             {"", {}},
-            {" CONST_FUNCTION NUMBER Size (DATAREF) : tavrel_module_BinarySize",
-             {"CONST_FUNCTION NUMBER Size (DATAREF) : tavrel_module_BinarySize"}},
-            // The raw form: an empty word for the context, dropped.
+            // The final form is what every script case reads; the raw form has an empty word
+            // for the context, dropped.
             {" CONST_FUNCTION NUMBER Size (DATAREF,) : e FUNCTION DATAREF Binary.MapFile (STRING,) "
              ": m",
              {"CONST_FUNCTION NUMBER Size (DATAREF) : e",
