@@ -24,8 +24,10 @@
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <limits>
 #include <new>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -349,6 +351,21 @@ TEST(VirtualTable, IUserDefinedType) {
 }
 
 #undef TAVREL_WRAPPER
+
+// AssignString hands a string's size to the host as the host's unsigned long. Where that is
+// narrower than a size (64-bit Windows), a string it cannot carry throws std::length_error
+// before the host is called, instead of reaching it cut short.
+TEST(VirtualTable, AssignStringNeverCutsTheSize) {
+    constexpr std::size_t kLargest = std::numeric_limits<unsigned long>::max();
+    gLog.clear();
+    gVariant.AssignString(kText,
+                          kLargest);  // the bytes are the host's to read; this one reads none
+    if constexpr (sizeof(std::size_t) > sizeof(unsigned long)) {
+        EXPECT_THROW(gVariant.AssignString(kText, kLargest + 1), std::length_error);
+        EXPECT_THROW(gVariant.AssignString(kText, std::size_t{5} << 30), std::length_error);
+    }
+    EXPECT_EQ(gLog, (Log{{"IVariant::AssignString", {Word(kText), kLargest}}}));
+}
 
 // ---- The module's own counted objects ------------------------------------------------------
 
