@@ -15,7 +15,8 @@
 //   - calls the wrapper, and checks that it reaches the same operation with the same
 //     arguments, and that a wrapper that returns an owned object adopts it: no AddRef,
 //     exactly one Release.
-// The types of the operations are checked at compile time (InterfaceSignatures.cpp).
+// Each row also names the exact type of its operation, which is checked as the file compiles,
+// as are the interfaces' bases and size (below).
 //
 // It assumes the Itanium C++ ABI (g++ and clang on Linux, mingw-w64's g++): the object starts
 // with the pointer to its table, a slot holds one function pointer, and an operation is called
@@ -32,17 +33,50 @@
 #include <type_traits>
 #include <vector>
 
+#include "host/ErrorSeverity.h"
 #include "host/IContext.h"
 #include "host/IJSON.h"
+#include "host/IModuleInfo.h"
 #include "host/IPolicy.h"
 #include "host/IUserDefinedType.h"
 #include "host/IVariant.h"
 #include "object/Data.h"
 #include "object/IDataRef.h"
 #include "object/IObject.h"
+#include "object/InterfaceImpl.h"
 
 namespace Tavrel {
 namespace {
+
+// ---- The shape of the interfaces, checked as this file compiles -----------------------------
+
+// An interface as the host sees it: a pointer to its virtual table and nothing else; never
+// copied into or destroyed through by the host, so no virtual destructor.
+template <class... I>
+constexpr bool kAreInterfaces = ((std::is_polymorphic_v<I> && std::is_abstract_v<I> &&
+                                  !std::has_virtual_destructor_v<I> &&
+                                  sizeof(I) == sizeof(void*)) &&
+                                 ...);
+static_assert(kAreInterfaces<IObject, IDataRef, IVariant, IContext, IPolicy, IUserDefinedType>);
+// Counted by the host: the buffers, the policy and the user-defined objects; not the variants
+// and the context.
+static_assert(std::is_convertible_v<IDataRef*, IObject*> &&
+              std::is_convertible_v<IPolicy*, IObject*> &&
+              std::is_convertible_v<IUserDefinedType*, IObject*>);
+static_assert(!std::is_base_of_v<IObject, IVariant> && !std::is_base_of_v<IObject, IContext>);
+static_assert(std::is_same_v<ErrorSeverity, std::uint8_t>, "the severity is one unsigned byte");
+// IModuleInfo has no operation at all: the host's object is passed through and never called.
+static_assert(std::is_empty_v<IModuleInfo> && !std::is_polymorphic_v<IModuleInfo>);
+// IJSON is only named: nothing of the module may depend on its layout.
+template <class T>
+concept Complete = requires {
+    sizeof(T);
+};
+static_assert(!Complete<IJSON>, "IJSON must stay a declaration only");
+// The module's counted objects: the count is the only field; the destructor is virtual and
+// comes behind T's operations (checked by slot below).
+static_assert(std::has_virtual_destructor_v<InterfaceImpl<IDataRef>> &&
+              std::is_convertible_v<InterfaceImpl<IDataRef>*, IDataRef*>);
 
 // ---- Recording ------------------------------------------------------------------------------
 
@@ -218,12 +252,6 @@ struct Slot<R(P...)> {
 template <class R, class... P>
 struct Slot<R(P...) const> : Slot<R(P...)> {};
 
-// One overload of an overloaded operation, by its type.
-template <class M, class C>
-constexpr M C::*Pick(M C::*member) {
-    return member;
-}
-
 // What a call gave back (as a word) and what it reached. An owned object that comes back is
 // dropped at once, so its Release shows in the log.
 struct Outcome {
@@ -256,11 +284,12 @@ constexpr char const* kAdopted<AutoRefPtr<T>> = kName<T>;
 // The wrapper that has the operation's name without "Interface_" and takes its arguments.
 #define TAVREL_WRAPPER(name) [](auto o, auto... a) { return o->name(a...); }
 
-// One row: the operation `member` must sit in slot `slot` of the table of `object`; called
-// through the member pointer, through the slot and through `wrapper` (unless nullptr) with
-// `arguments`, each must reach the same operation with the same arguments and give the same
-// result.
-template <class I, class C, class M, class W, class... A>
+// One row: the operation `member`, of exactly the type M (checked as the file compiles; for an
+// overloaded name M picks the overload), must sit in slot `slot` of the table of `object`;
+// called through the member pointer, through the slot and through `wrapper` (unless nullptr)
+// with `arguments`, each must reach the same operation with the same arguments and give the
+// same result.
+template <class M, class I, class C, class W, class... A>
 void CheckSlot(I* object, std::size_t slot, M C::*member, W wrapper, A... arguments) {
     Outcome const direct = Run([&] { return (object->*member)(arguments...); });
     ASSERT_EQ(direct.log.size(), 1u) << "slot " << slot;
@@ -285,9 +314,9 @@ void CheckSlot(I* object, std::size_t slot, M C::*member, W wrapper, A... argume
 template <class I>
 void CheckCounting(I* object) {
     ASSERT_EQ(static_cast<void*>(static_cast<IObject*>(object)), static_cast<void*>(object));
-    CheckSlot(object, 0, &IObject::Interface_AddRef, TAVREL_WRAPPER(AddRef));
-    CheckSlot(object, 1, &IObject::Interface_Release, TAVREL_WRAPPER(Release));
-    CheckSlot(object, 2, &IObject::Interface_GetCount, nullptr);
+    CheckSlot<void() const>(object, 0, &IObject::Interface_AddRef, TAVREL_WRAPPER(AddRef));
+    CheckSlot<bool() const>(object, 1, &IObject::Interface_Release, TAVREL_WRAPPER(Release));
+    CheckSlot<int() const>(object, 2, &IObject::Interface_GetCount, nullptr);
 }
 
 // ---- The tables ---------------------------------------------------------------------------
@@ -296,12 +325,14 @@ TEST(VirtualTable, IDataRef) {
     using I = IDataRef;
     I* const o = &gData;
     CheckCounting(o);
-    CheckSlot(o, 3, &I::Interface_GetSize, TAVREL_WRAPPER(GetSize));
-    CheckSlot(o, 4, &I::Interface_Assign, TAVREL_WRAPPER(Assign), kText, kCountArg);
-    CheckSlot(o, 5, &I::Interface_Read, TAVREL_WRAPPER(Read), gBytes, kCountArg, kOffsetArg);
-    CheckSlot(o, 6, &I::Interface_IsEqual, nullptr, kOtherData);
-    CheckSlot(o, 7, &I::Interface_Clone, TAVREL_WRAPPER(Clone));
-    CheckSlot(o, 8, &I::Interface_GetData, TAVREL_WRAPPER(GetData));
+    CheckSlot<U64() const>(o, 3, &I::Interface_GetSize, TAVREL_WRAPPER(GetSize));
+    CheckSlot<void(char const*, U64)>(o, 4, &I::Interface_Assign, TAVREL_WRAPPER(Assign), kText,
+                                      kCountArg);
+    CheckSlot<U64(char*, U64, U64) const>(o, 5, &I::Interface_Read, TAVREL_WRAPPER(Read), gBytes,
+                                          kCountArg, kOffsetArg);
+    CheckSlot<bool(IDataRef*) const>(o, 6, &I::Interface_IsEqual, nullptr, kOtherData);
+    CheckSlot<IDataRef*() const>(o, 7, &I::Interface_Clone, TAVREL_WRAPPER(Clone));
+    CheckSlot<char const*() const>(o, 8, &I::Interface_GetData, TAVREL_WRAPPER(GetData));
 }
 
 TEST(VirtualTable, IVariant) {
@@ -311,15 +342,19 @@ TEST(VirtualTable, IVariant) {
     AutoRefPtr<IDataRef> const held(&gData);
     // The wrapper hands the buffer over without a reference: no AddRef, no Release.
     auto const assignData = [&held](I* variant, auto...) { variant->AssignData(held); };
-    CheckSlot(o, 0, &I::Interface_GetType, TAVREL_WRAPPER(GetType));
-    CheckSlot(o, 1, &I::Interface_GetNumber, TAVREL_WRAPPER(GetNumber));
-    CheckSlot(o, 2, &I::Interface_GetString, TAVREL_WRAPPER(GetString));
-    CheckSlot(o, 3, &I::Interface_GetStringSize, TAVREL_WRAPPER(GetStringSize));
-    CheckSlot(o, 4, &I::Interface_GetData, TAVREL_WRAPPER(GetData));
-    CheckSlot(o, 5, &I::Interface_GetUserDefined, TAVREL_WRAPPER(GetUserDefined));
-    CheckSlot(o, 6, &I::Interface_AssignNumber, TAVREL_WRAPPER(AssignNumber), kNumber);
-    CheckSlot(o, 7, &I::Interface_AssignString, TAVREL_WRAPPER(AssignString), kText, kStringSize);
-    CheckSlot(o, 8, &I::Interface_AssignData, assignData, held.get());
+    CheckSlot<unsigned int() const>(o, 0, &I::Interface_GetType, TAVREL_WRAPPER(GetType));
+    CheckSlot<double() const>(o, 1, &I::Interface_GetNumber, TAVREL_WRAPPER(GetNumber));
+    CheckSlot<char const*() const>(o, 2, &I::Interface_GetString, TAVREL_WRAPPER(GetString));
+    CheckSlot<U64() const>(o, 3, &I::Interface_GetStringSize, TAVREL_WRAPPER(GetStringSize));
+    CheckSlot<IDataRef*() const>(o, 4, &I::Interface_GetData, TAVREL_WRAPPER(GetData));
+    CheckSlot<IUserDefinedType*() const>(o, 5, &I::Interface_GetUserDefined,
+                                         TAVREL_WRAPPER(GetUserDefined));
+    CheckSlot<void(double)>(o, 6, &I::Interface_AssignNumber, TAVREL_WRAPPER(AssignNumber),
+                            kNumber);
+    // NOTE: unsigned long, 32 bits on Windows and 64 on Linux: the host's own type.
+    CheckSlot<void(char const*, unsigned long)>(o, 7, &I::Interface_AssignString,
+                                                TAVREL_WRAPPER(AssignString), kText, kStringSize);
+    CheckSlot<void(IDataRef*)>(o, 8, &I::Interface_AssignData, assignData, held.get());
 }
 
 TEST(VirtualTable, IContextAndIPolicy) {
@@ -328,13 +363,15 @@ TEST(VirtualTable, IContextAndIPolicy) {
     auto const trigger = [](I* context, auto...) {
         context->TriggerErrorHandler(kSeverity, kModule, kError, kReason);
     };
-    CheckSlot(o, 0, &I::Interface_IsInterrupted, TAVREL_WRAPPER(IsInterrupted));
-    CheckSlot(o, 1, &I::Interface_GetPolicy, TAVREL_WRAPPER(GetPolicy));
-    CheckSlot(o, 2, &I::Interface_TriggerErrorHandler, trigger, kSeverity, kModule.c_str(),
-              kError.c_str(), kReason.c_str());
+    CheckSlot<bool() const>(o, 0, &I::Interface_IsInterrupted, TAVREL_WRAPPER(IsInterrupted));
+    CheckSlot<IPolicy*() const>(o, 1, &I::Interface_GetPolicy, TAVREL_WRAPPER(GetPolicy));
+    CheckSlot<void(std::uint8_t, char const*, char const*, char const*)>(
+        o, 2, &I::Interface_TriggerErrorHandler, trigger, kSeverity, kModule.c_str(),
+        kError.c_str(), kReason.c_str());
     IPolicy* const policy = &gPolicy;
     CheckCounting(policy);
-    CheckSlot(policy, 3, &IPolicy::Interface_LoadData, TAVREL_WRAPPER(LoadData), kContext, kText);
+    CheckSlot<IDataRef*(IContext*, char const*)>(policy, 3, &IPolicy::Interface_LoadData,
+                                                 TAVREL_WRAPPER(LoadData), kContext, kText);
 }
 
 // No wrappers: the module never calls these; a host calls them by slot.
@@ -342,12 +379,12 @@ TEST(VirtualTable, IUserDefinedType) {
     using I = IUserDefinedType;
     I* const o = &gUser;
     CheckCounting(o);
-    CheckSlot(o, 3, &I::Interface_GetTypeName, nullptr);
-    CheckSlot(o, 4, Pick<bool(IJSON const*)>(&I::Interface_Deserialize), nullptr, kJSON);
-    CheckSlot(o, 5, Pick<bool(IJSON const*, IContext*)>(&I::Interface_Deserialize), nullptr, kJSON,
-              kContext);
-    CheckSlot(o, 6, Pick<IJSON*() const>(&I::Interface_Serialize), nullptr);
-    CheckSlot(o, 7, Pick<IJSON*(IContext*) const>(&I::Interface_Serialize), nullptr, kContext);
+    CheckSlot<char const*() const>(o, 3, &I::Interface_GetTypeName, nullptr);
+    CheckSlot<bool(IJSON const*)>(o, 4, &I::Interface_Deserialize, nullptr, kJSON);
+    CheckSlot<bool(IJSON const*, IContext*)>(o, 5, &I::Interface_Deserialize, nullptr, kJSON,
+                                             kContext);
+    CheckSlot<IJSON*() const>(o, 6, &I::Interface_Serialize, nullptr);
+    CheckSlot<IJSON*(IContext*) const>(o, 7, &I::Interface_Serialize, nullptr, kContext);
 }
 
 #undef TAVREL_WRAPPER
@@ -358,8 +395,8 @@ TEST(VirtualTable, IUserDefinedType) {
 TEST(VirtualTable, AssignStringNeverCutsTheSize) {
     constexpr std::size_t kLargest = std::numeric_limits<unsigned long>::max();
     gLog.clear();
-    gVariant.AssignString(kText,
-                          kLargest);  // the bytes are the host's to read; this one reads none
+    // The bytes are the host's to read; this one reads none.
+    gVariant.AssignString(kText, kLargest);
     if constexpr (sizeof(std::size_t) > sizeof(unsigned long)) {
         EXPECT_THROW(gVariant.AssignString(kText, kLargest + 1), std::length_error);
         EXPECT_THROW(gVariant.AssignString(kText, std::size_t{5} << 30), std::length_error);
