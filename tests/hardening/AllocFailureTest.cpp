@@ -119,14 +119,12 @@ protected:
 };
 
 TEST_F(AllocFailure, TheModuleAllocatesThroughTheTestsOperatorNew) {
-    Variant text = Variant::String(std::string(1000, 'x')), result;
-    Tavrel::IVariant* arguments[] = {&text};
-    minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
-    minihost::EntryFunction const toDataRef = tavrel_testing::EntryOf("ToDataRef");  // loads it
+    tavrel_testing::EntryOf("ToDataRef");  // loads the module
     long const blocks = gLive.load();
-    toDataRef(1, arguments, &result, tavrel_testing::Binary().Info(), &context);
-    EXPECT_GE(gLive.load() - blocks, 2) << "the new buffer and its 1000 bytes, at least";
-    result = Variant();
+    {
+        Variant const made = tavrel_testing::CallValues::ModuleBuffer();
+        EXPECT_GE(gLive.load() - blocks, 2) << "the new buffer and its bytes, at least";
+    }
     EXPECT_EQ(gLive.load(), blocks);
 }
 
