@@ -5,31 +5,84 @@
 // the tests do.
 #pragma once
 
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
 #include <string_view>
 #include <vector>
 
+#include "minihost/host/Context.h"
+#include "minihost/host/MemoryBuffer.h"
 #include "minihost/host/ModuleLoader.h"
 #include "minihost/host/Variant.h"
 #include "testing/TestFiles.h"
 
 namespace tavrel_testing {
 
-minihost::LoadedModule& Binary();
+inline minihost::LoadedModule& Binary() {
+    static std::unique_ptr<minihost::LoadedModule> const module = [] {
+        std::string error;
+        auto loaded = minihost::LoadedModule::Load(TAVREL_MODULE_PATH, error);
+        if (!loaded) {
+            (void)std::fprintf(stderr, "%s\n", error.c_str());
+            std::abort();
+        }
+        return loaded;
+    }();
+    return *module;
+}
 
 // "BinarySize" => tavrel_module_BinarySize; a name that is not an entry aborts.
-minihost::EntryFunction EntryOf(std::string_view name);
+inline minihost::EntryFunction EntryOf(std::string const& name) {
+    minihost::EntryFunction const entry = Binary().Entry("tavrel_module_" + name);
+    if (entry == nullptr) {
+        (void)std::fprintf(stderr, "no entry tavrel_module_%s\n", name.c_str());
+        std::abort();
+    }
+    return entry;
+}
 
 // The argument values of the calls: buffers of the module and of the host (one that hides
-// its bytes), a null DATAREF, a string, a file that exists and one that does not, numbers.
+// its bytes), a null DATAREF, a string, a file that exists and one that does not, numbers
+// (3, 500: past every end, -1).
 struct CallValues {
-    CallValues();
+    using Variant = minihost::Variant;
+    // Long enough that every copy of it leaves the string's inline storage.
+    static constexpr std::string_view kBytes =
+        "0123456789abcdefghijklmnopqrstuvwxyz-0123456789ABCDEFGHIJKLMNOP";
+
+    static Variant HostBuffer(minihost::MemoryBufferOptions options) {
+        return Variant::DataRef(
+            Tavrel::AutoRefPtr<Tavrel::IDataRef>(new minihost::MemoryBuffer(kBytes, options)));
+    }
+    // A module buffer with bytes, made by the module's ToDataRef.
+    static Variant ModuleBuffer() {
+        Variant text = Variant::String(kBytes), result;
+        Tavrel::IVariant* arguments[] = {&text};
+        minihost::Context context{Tavrel::AutoRefPtr<Tavrel::IPolicy>()};
+        EntryOf("ToDataRef")(1, arguments, &result, Binary().Info(), &context);
+        return result;
+    }
+
     // The three buffers that the calls share, and their reference counts now.
-    std::vector<Tavrel::IDataRef*> Buffers() const;
-    std::vector<int> Counts() const;
+    std::vector<Tavrel::IDataRef*> Buffers() const {
+        return {module.dataPointer(), host.dataPointer(), hidden.dataPointer()};
+    }
+    std::vector<int> Counts() const {
+        std::vector<int> counts;
+        for (Tavrel::IDataRef* const buffer : Buffers()) {
+            counts.push_back(buffer->Interface_GetCount());
+        }
+        return counts;
+    }
 
     TempDir directory;  // of the file, a fresh one for each program run
-    minihost::Variant module, host, hidden, missing, text, file, noFile;
-    minihost::Variant three, many, negative;  // 3, 500 (past every end), -1
+    Variant module = ModuleBuffer(), host = HostBuffer({}), hidden = HostBuffer({false, 7});
+    Variant missing = Variant::DataRef({}), text = Variant::String(kBytes);
+    Variant file = Variant::String(directory.Write("mapped", kBytes));
+    Variant noFile = Variant::String(directory.Path("no such file, long name"));
+    Variant three = Variant::Number(3), many = Variant::Number(500), minus = Variant::Number(-1);
 };
 
 struct EntryCall {
@@ -37,9 +90,56 @@ struct EntryCall {
     char const* entry;
     std::vector<Tavrel::IVariant*> arguments;
     int reports;  // error reports that the call makes
+    minihost::EntryFunction function = nullptr;
 };
 
 // Every entry, each with typical arguments and most also with arguments that it reports.
-std::vector<EntryCall> EveryEntryCall(CallValues& v);
+inline std::vector<EntryCall> EveryEntryCall(CallValues& v) {
+    std::vector<EntryCall> calls = {
+        {"size", "BinarySize", {&v.module}, 0},
+        {"size of nothing", "BinarySize", {&v.missing}, 1},
+        {"from string", "BinarySetFromString", {&v.text}, 0},
+        {"to buffer", "ToDataRef", {&v.text}, 0},
+        {"to buffer, part", "ToDataRefPart", {&v.text, &v.three, &v.many}, 0},
+        {"to buffer, negative", "ToDataRefPart", {&v.text, &v.minus, &v.many}, 1},
+        {"map a file", "BinaryMapFile", {&v.file}, 0},
+        {"map no file", "BinaryMapFile", {&v.noFile}, 1},
+        {"slice", "BinarySlice", {&v.hidden, &v.three, &v.many}, 0},
+        {"slice nothing", "BinarySlice", {&v.missing, &v.three, &v.three}, 1},
+        {"slice, negative", "BinarySlice", {&v.module, &v.minus, &v.three}, 1},
+        {"slice right", "BinarySliceRight", {&v.module, &v.three}, 0},
+        {"slice right, negative", "BinarySliceRight", {&v.host, &v.minus}, 1},
+        {"part to string", "BinaryPartToString", {&v.host, &v.three, &v.many}, 0},
+        {"part to string, negative", "BinaryPartToString", {&v.module, &v.minus, &v.three}, 1},
+        {"to string", "BinaryToString", {&v.hidden}, 0},
+        {"to string of nothing", "BinaryToString", {&v.missing}, 1},
+        {"copy a host buffer", "BinaryCopy", {&v.host}, 0},
+        {"copy a module buffer", "BinaryCopy", {&v.module}, 0},
+        {"copy nothing", "BinaryCopy", {&v.missing}, 1},
+        {"copy part", "BinaryCopyPart", {&v.hidden, &v.three, &v.many}, 0},
+        {"copy part, negative", "BinaryCopyPart", {&v.module, &v.three, &v.minus}, 1},
+        {"append to a module buffer", "BinaryAppend", {&v.module, &v.hidden}, 0},
+        {"append to itself", "BinaryAppend", {&v.module, &v.module}, 0},
+        {"append to nothing", "BinaryAppend", {&v.missing, &v.module}, 1},
+        {"append nothing", "BinaryAppend", {&v.module, &v.missing}, 1},
+        {"append part", "BinaryAppendPart", {&v.module, &v.host, &v.three, &v.many}, 0},
+        {"append part to nothing", "BinaryAppendPart", {&v.missing, &v.host, &v.three, &v.many}, 1},
+        {"append part, negative", "BinaryAppendPart", {&v.host, &v.module, &v.minus, &v.three}, 1},
+    };
+    for (EntryCall& call : calls) {
+        call.function = EntryOf(call.entry);
+    }
+    return calls;
+}
+
+// One call of the table with a fresh context on `policy`, counting its reports into `reports`;
+// the status word.
+inline unsigned int Invoke(EntryCall& call, Tavrel::IVariant& result,
+                           Tavrel::AutoRefPtr<Tavrel::IPolicy> const& policy, int& reports) {
+    minihost::Context context{policy};
+    context.SetErrorHandler([&reports](minihost::ErrorReport const&) { ++reports; });
+    return call.function(static_cast<int>(call.arguments.size()), call.arguments.data(), &result,
+                         Binary().Info(), &context);
+}
 
 }  // namespace tavrel_testing

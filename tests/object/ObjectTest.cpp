@@ -1,0 +1,229 @@
+// The object model, linked directly: AutoRefPtr's counting, Data (reading ranges, comparing
+// by both roads, cloning, PushBack, AppendRead) and AppendFromRead, whose new bytes are what
+// the one Read wrote and zero elsewhere, whatever the Read gives back or throws.
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+
+#include "minihost/host/MemoryBuffer.h"
+#include "object/AppendFromRead.h"
+#include "object/AutoRefPtr.h"
+#include "object/Data.h"
+
+namespace {
+
+using minihost::MemoryBuffer;
+using minihost::ReadFault;
+using Tavrel::AutoRefPtr;
+using Tavrel::Data;
+using Tavrel::IDataRef;
+
+// A Data that records its destruction.
+class Tracked final : public Data {
+public:
+    explicit Tracked(int& destroyed) : mDestroyed(destroyed) {}
+    ~Tracked() override { ++mDestroyed; }
+
+private:
+    int& mDestroyed;
+};
+
+std::string Content(IDataRef const& data) {
+    std::string bytes(data.GetSize(), '\0');
+    bytes.resize(data.Read(bytes.data(), bytes.size(), 0));
+    return bytes;
+}
+
+std::string Zeros(std::size_t n) { return std::string(n, '\0'); }
+
+// 20000 bytes with every byte value in it, NUL included.
+std::string const kBig = [] {
+    std::string bytes(20000, '\0');
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<char>(i * 7 + i / 256);
+    }
+    return bytes;
+}();
+
+// (The last Release destroying is checked through the slots in tests/abi.)
+TEST(AutoRefPtr, AdoptsSharesMovesAndResets) {
+    int destroyed = 0;
+    {
+        AutoRefPtr<Data> data(new Tracked(destroyed));
+        EXPECT_EQ(data->Interface_GetCount(), 1);
+        AutoRefPtr<IDataRef> const shared(data);
+        EXPECT_EQ(data->Interface_GetCount(), 2);
+        EXPECT_EQ(shared.get(), data.get());
+    }
+    EXPECT_EQ(destroyed, 1);
+    // Empty pointers convert, copy and go without a call.
+    AutoRefPtr<IDataRef> const converted(AutoRefPtr<Data>(nullptr));
+    EXPECT_FALSE(converted);
+
+    AutoRefPtr<IDataRef> target(new Tracked(destroyed));
+    AutoRefPtr<IDataRef> source(new Tracked(destroyed));
+    IDataRef* const moved = source.get();
+    target = std::move(source);
+    EXPECT_EQ(destroyed, 2);
+    EXPECT_FALSE(source);
+    EXPECT_EQ(target.get(), moved);
+    EXPECT_EQ(moved->Interface_GetCount(), 1);
+    target = AutoRefPtr<IDataRef>(nullptr);
+    EXPECT_EQ(destroyed, 3);
+    EXPECT_FALSE(target);
+    EXPECT_EQ(&target.reset(new Tracked(destroyed)), &target);
+    target.reset(new Data());
+    EXPECT_EQ(destroyed, 4);
+    EXPECT_TRUE(static_cast<bool>(target));
+    EXPECT_EQ(target->Interface_GetCount(), 1);
+}
+
+TEST(Data, ReadCutsAtTheEndAndKeepsNulBytes) {
+    AutoRefPtr<Data> data(new Data(std::string(100, 'x')));
+    struct Row {
+        unsigned long long count, offset, delivered;
+    };
+    for (Row const row : {Row{10, 95, 5}, {10, 100, 0}, {10, 500, 0}, {0, 10, 0}, {100, 0, 100}}) {
+        char sink[128] = {};
+        EXPECT_EQ(data->Read(sink, row.count, row.offset), row.delivered)
+            << row.count << " at " << row.offset;
+    }
+    AutoRefPtr<Data> empty(new Data());
+    EXPECT_EQ(empty->Read(nullptr, 10, 0), 0u);
+    EXPECT_NE(empty->GetData(), nullptr);
+    EXPECT_EQ(Content(Data(std::string_view("a\0b", 3))), std::string("a\0b", 3));
+    // A clone has its own bytes and its own count.
+    AutoRefPtr<Data> counted(new Data("x\0y", 3));
+    AutoRefPtr<IDataRef> clone = counted->Clone();
+    EXPECT_EQ(clone->Interface_GetCount(), 1);
+    EXPECT_EQ(Content(*clone.get()), std::string("x\0y", 3));
+    clone->Assign("z", 1);
+    EXPECT_EQ(Content(*counted.get()), std::string("x\0y", 3));
+    EXPECT_EQ(Content(*clone.get()), "z");
+}
+
+TEST(Data, IsEqualByBothRoads) {
+    std::string const base(20000, 'q');
+    std::string differentLast = base;
+    differentLast.back() = 'r';
+    struct Row {
+        std::string mine, other;
+        MemoryBuffer::Options options;
+        bool equal;
+        int reads;  // Read calls the other side receives
+    };
+    Row const rows[] = {
+        {"", "", {false, 0}, true, 0},
+        {"abc", "abc", {true, 0}, true, 0},
+        {"abc", "abd", {true, 0}, false, 0},
+        {"abc", "ab", {false, 0}, false, 0},
+        {std::string(8192, 'a'), std::string(8192, 'a'), {false, 0}, true, 1},
+        {std::string(8193, 'a'), std::string(8193, 'a'), {false, 0}, true, 2},
+        {base, differentLast, {false, 0}, false, 3},
+        {base, base, {false, 0}, true, 3},
+        {base, base, {false, 100}, false, 1},  // a short read counts as a difference
+    };
+    for (Row const& row : rows) {
+        AutoRefPtr<Data> mine(new Data(row.mine));
+        AutoRefPtr<MemoryBuffer> other(new MemoryBuffer(row.other, row.options));
+        EXPECT_EQ(mine->Interface_IsEqual(other.get()), row.equal) << row.mine.size();
+        EXPECT_EQ(other->readCalls(), row.reads) << row.mine.size();
+    }
+    AutoRefPtr<Data> self(new Data("same"));
+    EXPECT_TRUE(self->Interface_IsEqual(self.get()));
+    EXPECT_FALSE(self->Interface_IsEqual(nullptr));
+}
+
+TEST(Data, PushBack) {
+    struct Row {
+        std::size_t count, offset;
+        char const* result;
+        int reads;  // Read calls the source receives: one for every range that fits
+    };
+    Row const rows[] = {
+        {2, 1, ">bc", 1},
+        {0, 2, ">", 1},
+        {0, 4, ">", 1},
+        {3, 1, ">bcd", 1},
+        {4, 1, ">", 0},
+        {4, 0, ">abcd", 1},
+        {static_cast<std::size_t>(-1), 2, ">", 0},
+        {2, static_cast<std::size_t>(-1), ">", 0},
+    };
+    for (Row const& row : rows) {
+        AutoRefPtr<MemoryBuffer> source(new MemoryBuffer("abcd", {false, 0}));
+        AutoRefPtr<Data> data(new Data(">"));
+        data->PushBack(AutoRefPtr<IDataRef>(source), row.count, row.offset);
+        EXPECT_EQ(Content(*data.get()), row.result) << row.count << " at " << row.offset;
+        EXPECT_EQ(source->readCalls(), row.reads) << row.count << " at " << row.offset;
+    }
+    AutoRefPtr<Data> data(new Data("xy"));
+    data->PushBack(AutoRefPtr<IDataRef>(nullptr));
+    data->PushBack(AutoRefPtr<IDataRef>(nullptr), 1, 0);
+    AutoRefPtr<IDataRef> self(data);
+    data->PushBack(self);
+    EXPECT_EQ(Content(*data.get()), "xyxy");
+    AutoRefPtr<IDataRef> shortReads(new MemoryBuffer("abcd", {false, 1}));
+    data->PushBack(shortReads);
+    EXPECT_EQ(Content(*data.get()), std::string("xyxya\0\0\0", 8));
+}
+
+TEST(Data, AppendReadFromItselfReserveChangesNoContent) {
+    AutoRefPtr<Data> data(new Data(kBig));
+    data->AppendRead(*data.get(), kBig.size(), 0);
+    data->PushBack(AutoRefPtr<IDataRef>(data), 8000, 100);
+    EXPECT_TRUE(Content(*data.get()) == kBig + kBig + kBig.substr(100, 8000));
+    AutoRefPtr<Data> small(new Data("abc"));
+    for (unsigned long long size : {0ULL, 2ULL, 100000ULL, ~0ULL}) {
+        small->Reserve(size);
+        EXPECT_EQ(std::string(small->GetData(), small->GetSize()), "abc") << size;
+    }
+}
+
+TEST(AppendFromRead, NewBytesAreWhatTheReadWrote) {
+    struct Row {
+        std::string prefix;
+        ReadFault fault;
+        unsigned long long chunk, count, offset;
+        std::string expected;
+    };
+    Row const rows[] = {
+        {"ab", ReadFault::kNone, 0, 3, 0, "ab" + kBig.substr(0, 3)},
+        {"ab", ReadFault::kNone, 1, 3, 0, "ab" + kBig.substr(0, 1) + Zeros(2)},
+        {"", ReadFault::kNone, 0, 3, 20005, Zeros(3)},  // offset past the end: all zeros
+        {"ab", ReadFault::kNone, 0, 0, 0, "ab"},        // count 0: nothing, no Read
+        {"", ReadFault::kNone, 0, 9000, 15000, kBig.substr(15000) + Zeros(4000)},
+        {"p", ReadFault::kUnderReport, 0, 10000, 5, "p" + kBig.substr(5, 10000)},
+        {"p", ReadFault::kOverReport, 0, 10000, 5, "p" + kBig.substr(5, 10000)},
+        {"p", ReadFault::kOverClaim, 0, 10000, 5, "p" + Zeros(10000)},
+        {"p", ReadFault::kOverClaim, 0, 10, 5, "p" + Zeros(10)},
+    };
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        Row const& row = rows[i];
+        SCOPED_TRACE("row " + std::to_string(i));
+        AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, row.chunk, row.fault}));
+        std::string bytes = row.prefix;
+        Tavrel::AppendFromRead(bytes, *source.get(), row.count, row.offset);
+        EXPECT_TRUE(bytes == row.expected) << "size " << bytes.size();
+        EXPECT_EQ(source->readCalls(), row.count == 0 ? 0 : 1);
+        EXPECT_EQ(source->getDataCalls(), 0);
+    }
+}
+
+// A Read that throws leaves what it wrote and zeros; a count past max_size throws without
+// reading. Either way the bytes before stay.
+TEST(AppendFromRead, ThrowsWithTheBytesBeforeKept) {
+    AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, 0, ReadFault::kThrowHalfway}));
+    for (unsigned long long count : {10ULL, 10000ULL}) {
+        std::string bytes = "ab";
+        EXPECT_THROW(Tavrel::AppendFromRead(bytes, *source.get(), count, 0), std::runtime_error);
+        EXPECT_TRUE(bytes == "ab" + kBig.substr(0, count / 2) + Zeros(count - count / 2)) << count;
+    }
+    std::string bytes = "ab";
+    EXPECT_THROW(Tavrel::AppendFromRead(bytes, *source.get(), bytes.max_size(), 0),
+                 std::length_error);
+    EXPECT_EQ(bytes, "ab");
+    EXPECT_EQ(source->readCalls(), 2);
+}
+
+}  // namespace
