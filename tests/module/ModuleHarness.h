@@ -16,6 +16,10 @@
 
 namespace tavrel_testing {
 
+using minihost::Variant;
+using Tavrel::AutoRefPtr;
+using Tavrel::IDataRef;
+
 struct Report {
     unsigned severity;
     std::string module;
