@@ -1,8 +1,8 @@
 #include "tests/module/ModuleHarness.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
+#include <gtest/gtest.h>
+#include <iomanip>
 #include <memory>
 #include <sstream>
 
@@ -69,7 +69,7 @@ std::string Shown(minihost::Variant const& result) {
     std::ostringstream shown;
     shown << result.type() << ':';
     if (result.type() == Tavrel::VariantType::kNumber) {
-        shown << result.number();
+        shown << std::setprecision(17) << result.number();
     } else if (result.type() == Tavrel::VariantType::kString) {
         shown << result.string();
     } else if (result.type() == Tavrel::VariantType::kDataRef) {
@@ -82,15 +82,11 @@ Report InvalidUsage(std::string reason) {
     return {2, "Binary", "Error.Tavrel.InvalidUsage", std::move(reason)};
 }
 
-Report InvalidArgument(std::string reason) {
-    return {2, "Binary", "Error.Tavrel.InvalidArgument", std::move(reason)};
-}
-
 std::vector<Report> InvalidArguments(std::string reason) {
     if (reason.empty()) {
         return {};
     }
-    return {InvalidArgument(std::move(reason))};
+    return {{2, "Binary", "Error.Tavrel.InvalidArgument", std::move(reason)}};
 }
 
 }  // namespace tavrel_testing

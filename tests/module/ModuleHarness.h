@@ -16,6 +16,10 @@
 
 namespace tavrel_testing {
 
+using minihost::Variant;
+using Tavrel::AutoRefPtr;
+using Tavrel::IDataRef;
+
 struct Report {
     unsigned severity;
     std::string module;
@@ -49,11 +53,11 @@ Tavrel::AutoRefPtr<Tavrel::IDataRef> ModuleBuffer(std::string_view bytes);
 // All bytes of a buffer, read through its interface.
 std::string BytesOf(Tavrel::IDataRef const* data);
 
-// A result as type and value: "5:6", "9:<bytes>", "13:<bytes>" or "13:null".
+// A result as type and value: "5:6" (a number in all its digits: "5:5368709130"), "9:<bytes>",
+// "13:<bytes>" or "13:null".
 std::string Shown(minihost::Variant const& result);
 
 Report InvalidUsage(std::string reason);
-Report InvalidArgument(std::string reason);
 // The reports of a call that reports reason as an invalid argument; none for "".
 std::vector<Report> InvalidArguments(std::string reason);
 
