@@ -1,10 +1,5 @@
-#include <atomic>
-#include <chrono>
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <iostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #if !defined(_WIN32)
@@ -22,33 +17,6 @@ using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
 using tavrel_testing::OpenDescriptors;
 using tavrel_testing::TempDir;
-
-// Ends the program when a load blocks for 5 s, instead of hanging the test.
-// NOTE: the watch polls an atomic flag rather than waiting on a condition variable: a mutex
-// that meets contention keeps a handle for good on Windows (winpthreads makes one, and
-// std::mutex never destroys it), which the count of open handles would take for a leak.
-class BlockingGuard {
-public:
-    BlockingGuard()
-        : mThread([this] {
-              auto const deadline = std::chrono::steady_clock::now() + std::chrono::seconds(5);
-              while (!mDone.load()) {
-                  if (std::chrono::steady_clock::now() > deadline) {
-                      std::cerr << "a load blocked for 5 s" << std::endl;
-                      std::_Exit(1);
-                  }
-                  std::this_thread::sleep_for(std::chrono::milliseconds(5));
-              }
-          }) {}
-    ~BlockingGuard() {
-        mDone.store(true);
-        mThread.join();
-    }
-
-private:
-    std::atomic<bool> mDone{false};
-    std::thread mThread;
-};
 
 struct Row {
     std::string name;
@@ -85,7 +53,6 @@ TEST(FilePolicy, GivesABufferForARegularFileOnlyAndNeverBlocks) {
 #endif
     AutoRefPtr<FilePolicy> policy(new FilePolicy());
     auto const loadEveryRow = [&rows, &policy] {
-        BlockingGuard const guard;
         AutoRefPtr<IDataRef> const none(policy->Interface_LoadData(nullptr, nullptr));
         EXPECT_FALSE(none) << "null path";
         for (Row const& row : rows) {
