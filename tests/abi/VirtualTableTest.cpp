@@ -360,6 +360,43 @@ TEST(VirtualTable, IUserDefinedType) {
     CheckSlot<IJSON*(IContext*) const>(o, 7, &I::Interface_Serialize, nullptr, kContext);
 }
 
+// The paired forms of IUserDefinedType: a host object overrides one of a pair, and the other
+// serves too. Without a context, the form with one is called with a null context; with a
+// context, the form without one is called only when the context is not null (else false, null).
+class WithContext final : public InterfaceImpl<IUserDefinedType> {
+    char const* Interface_GetTypeName() const override { return kText; }
+    bool Interface_Deserialize(IJSON const* json, IContext* context) override {
+        return Note("Deserialize", this, json, context), true;
+    }
+    IJSON* Interface_Serialize(IContext* context) const override {
+        return Note("Serialize", this, context), kJSON;
+    }
+};
+
+class WithoutContext final : public InterfaceImpl<IUserDefinedType> {
+    char const* Interface_GetTypeName() const override { return kText; }
+    bool Interface_Deserialize(IJSON const* json) override {
+        return Note("Deserialize", this, json), true;
+    }
+    IJSON* Interface_Serialize() const override { return Note("Serialize", this), kJSON; }
+};
+
+TEST(VirtualTable, IUserDefinedTypeOneFormServesTheOther) {
+    AutoRefPtr<IUserDefinedType> const with(new WithContext()), without(new WithoutContext());
+    gLog.clear();
+    EXPECT_TRUE(with->Interface_Deserialize(kJSON));
+    EXPECT_EQ(with->Interface_Serialize(), kJSON);
+    EXPECT_FALSE(without->Interface_Deserialize(kJSON, nullptr));
+    EXPECT_EQ(without->Interface_Serialize(nullptr), nullptr);
+    EXPECT_TRUE(without->Interface_Deserialize(kJSON, kContext));
+    EXPECT_EQ(without->Interface_Serialize(kContext), kJSON);
+    std::uint64_t const w = Word(with.get()), wo = Word(without.get());
+    EXPECT_EQ(gLog, (Log{{"Deserialize", {w, Word(kJSON), 0}},
+                         {"Serialize", {w, 0}},
+                         {"Deserialize", {wo, Word(kJSON)}},
+                         {"Serialize", {wo}}}));
+}
+
 #undef TAVREL_WRAPPER
 
 // AssignString hands a string's size to the host as the host's unsigned long. Where that is
