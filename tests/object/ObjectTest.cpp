@@ -53,7 +53,6 @@ TEST(AutoRefPtr, AdoptsSharesMovesAndResets) {
         EXPECT_EQ(data->Interface_GetCount(), 1);
         AutoRefPtr<IDataRef> const shared(data);
         EXPECT_EQ(data->Interface_GetCount(), 2);
-        EXPECT_EQ(shared.get(), data.get());
     }
     EXPECT_EQ(destroyed, 1);
     // Empty pointers convert, copy and go without a call.
@@ -68,9 +67,6 @@ TEST(AutoRefPtr, AdoptsSharesMovesAndResets) {
     EXPECT_FALSE(source);
     EXPECT_EQ(target.get(), moved);
     EXPECT_EQ(moved->Interface_GetCount(), 1);
-    target = AutoRefPtr<IDataRef>(nullptr);
-    EXPECT_EQ(destroyed, 3);
-    EXPECT_FALSE(target);
     EXPECT_EQ(&target.reset(new Tracked(destroyed)), &target);
     target.reset(new Data());
     EXPECT_EQ(destroyed, 4);
@@ -154,9 +150,6 @@ TEST(Data, PushBack) {
     AutoRefPtr<IDataRef> self(data);
     data->PushBack(self);
     EXPECT_EQ(Content(*data.get()), "xyxy");
-    AutoRefPtr<IDataRef> shortReads(new MemoryBuffer("abcd", {false, 1}));
-    data->PushBack(shortReads);
-    EXPECT_EQ(Content(*data.get()), std::string("xyxya\0\0\0", 8));
 }
 
 TEST(Data, AppendReadFromItselfReserveChangesNoContent) {
