@@ -65,16 +65,11 @@ struct CallValues {
         return result;
     }
 
-    // The three buffers that the calls share, and their reference counts now.
-    std::vector<Tavrel::IDataRef*> Buffers() const {
-        return {module.dataPointer(), host.dataPointer(), hidden.dataPointer()};
-    }
+    // The reference counts of the three buffers that the calls share.
     std::vector<int> Counts() const {
-        std::vector<int> counts;
-        for (Tavrel::IDataRef* const buffer : Buffers()) {
-            counts.push_back(buffer->Interface_GetCount());
-        }
-        return counts;
+        return {module.dataPointer()->Interface_GetCount(),
+                host.dataPointer()->Interface_GetCount(),
+                hidden.dataPointer()->Interface_GetCount()};
     }
 
     TempDir directory;  // of the file, a fresh one for each program run
