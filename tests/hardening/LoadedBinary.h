@@ -65,11 +65,16 @@ struct CallValues {
         return result;
     }
 
-    // The reference counts of the three buffers that the calls share.
+    // The three buffers that the calls share, and their reference counts now.
+    std::vector<Tavrel::IDataRef*> Buffers() const {
+        return {module.dataPointer(), host.dataPointer(), hidden.dataPointer()};
+    }
     std::vector<int> Counts() const {
-        return {module.dataPointer()->Interface_GetCount(),
-                host.dataPointer()->Interface_GetCount(),
-                hidden.dataPointer()->Interface_GetCount()};
+        std::vector<int> counts;
+        for (Tavrel::IDataRef* const buffer : Buffers()) {
+            counts.push_back(buffer->Interface_GetCount());
+        }
+        return counts;
     }
 
     TempDir directory;  // of the file, a fresh one for each program run
