@@ -27,7 +27,6 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <new>
-#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <type_traits>
@@ -80,7 +79,7 @@ static_assert(std::has_virtual_destructor_v<InterfaceImpl<IDataRef>> &&
 
 // ---- Recording ------------------------------------------------------------------------------
 
-// One operation that ran: "<interface>::<operation>" and its arguments, each as 64 bits.
+// One operation that ran: its name, the object it ran on and its arguments, each as 64 bits.
 struct Call {
     std::string operation;
     std::vector<std::uint64_t> arguments;
@@ -88,14 +87,6 @@ struct Call {
 };
 using Log = std::vector<Call>;
 Log gLog;
-
-std::ostream& operator<<(std::ostream& out, Call const& call) {
-    out << call.operation << "(" << std::hex;
-    for (std::uint64_t const argument : call.arguments) {
-        out << " 0x" << argument;
-    }
-    return out << std::dec << " )";
-}
 
 // Any argument or result as 64 bits: pointers by address, doubles by their bits.
 template <class T>
@@ -110,26 +101,10 @@ std::uint64_t Word(T value) {
     }
 }
 
-template <class I>
-constexpr char const* kName = nullptr;
-#define TAVREL_NAME(I) \
-    template <>        \
-    constexpr char const* kName<I> = #I;
-TAVREL_NAME(IDataRef)
-TAVREL_NAME(IUserDefinedType)
-TAVREL_NAME(IPolicy)
-TAVREL_NAME(IVariant)
-TAVREL_NAME(IContext)
-#undef TAVREL_NAME
-
-template <class I>
-class Recorder : public I {
-protected:
-    template <class... T>
-    void Note(char const* operation, T... arguments) const {
-        gLog.push_back(Call{std::string(kName<I>) + "::" + operation, {Word(arguments)...}});
-    }
-};
+template <class... T>
+void Note(char const* operation, void const* object, T... arguments) {
+    gLog.push_back(Call{operation, {Word(object), Word(arguments)...}});
+}
 
 // Results and arguments that a narrower or a swapped type would change.
 constexpr int kCount = -123456789;
@@ -154,75 +129,79 @@ IDataRef* const kOtherData = static_cast<IDataRef*>(static_cast<void*>(&gMarkers
 
 // The three counting operations of a recorder derived from IObject.
 template <class I>
-class Counting : public Recorder<I> {
+class Counting : public I {
 public:
-    void Interface_AddRef() const override { this->Note("AddRef"); }
-    bool Interface_Release() const override { return this->Note("Release"), true; }
-    int Interface_GetCount() const override { return this->Note("GetCount"), kCount; }
+    void Interface_AddRef() const override { Note("AddRef", this); }
+    bool Interface_Release() const override { return Note("Release", this), true; }
+    int Interface_GetCount() const override { return Note("GetCount", this), kCount; }
 };
 
 using U64 = unsigned long long;
 
 class DataRefRecorder final : public Counting<IDataRef> {
 public:
-    U64 Interface_GetSize() const override { return Note("GetSize"), kSize; }
-    void Interface_Assign(char const* bytes, U64 size) override { Note("Assign", bytes, size); }
+    U64 Interface_GetSize() const override { return Note("GetSize", this), kSize; }
+    void Interface_Assign(char const* bytes, U64 size) override {
+        Note("Assign", this, bytes, size);
+    }
     U64 Interface_Read(char* destination, U64 count, U64 offset) const override {
-        return Note("Read", destination, count, offset), kSize;
+        return Note("Read", this, destination, count, offset), kSize;
     }
-    bool Interface_IsEqual(IDataRef* other) const override { return Note("IsEqual", other), true; }
+    bool Interface_IsEqual(IDataRef* other) const override {
+        return Note("IsEqual", this, other), true;
+    }
     IDataRef* Interface_Clone() const override {
-        return Note("Clone"), const_cast<DataRefRecorder*>(this);
+        return Note("Clone", this), const_cast<DataRefRecorder*>(this);
     }
-    char const* Interface_GetData() const override { return Note("GetData"), kText; }
+    char const* Interface_GetData() const override { return Note("GetData", this), kText; }
 } gData;
 
 class UserDefinedRecorder final : public Counting<IUserDefinedType> {
 public:
-    char const* Interface_GetTypeName() const override { return Note("GetTypeName"), kText; }
+    char const* Interface_GetTypeName() const override { return Note("GetTypeName", this), kText; }
     bool Interface_Deserialize(IJSON const* json) override {
-        return Note("Deserialize", json), true;
+        return Note("Deserialize", this, json), true;
     }
     bool Interface_Deserialize(IJSON const* json, IContext* context) override {
-        return Note("Deserialize", json, context), true;
+        return Note("Deserialize", this, json, context), true;
     }
-    IJSON* Interface_Serialize() const override { return Note("Serialize"), kJSON; }
+    IJSON* Interface_Serialize() const override { return Note("Serialize", this), kJSON; }
     IJSON* Interface_Serialize(IContext* context) const override {
-        return Note("Serialize", context), kJSON;
+        return Note("Serialize", this, context), kJSON;
     }
 } gUser;
 
 class PolicyRecorder final : public Counting<IPolicy> {
 public:
     IDataRef* Interface_LoadData(IContext* context, char const* path) override {
-        return Note("LoadData", context, path), &gData;
+        return Note("LoadData", this, context, path), &gData;
     }
 } gPolicy;
 
-class VariantRecorder final : public Recorder<IVariant> {
+class VariantRecorder final : public IVariant {
 public:
-    unsigned int Interface_GetType() const override { return Note("GetType"), kType; }
-    double Interface_GetNumber() const override { return Note("GetNumber"), kNumber; }
-    char const* Interface_GetString() const override { return Note("GetString"), kText; }
-    U64 Interface_GetStringSize() const override { return Note("GetStringSize"), kSize; }
-    IDataRef* Interface_GetData() const override { return Note("GetData"), &gData; }
+    unsigned int Interface_GetType() const override { return Note("GetType", this), kType; }
+    double Interface_GetNumber() const override { return Note("GetNumber", this), kNumber; }
+    char const* Interface_GetString() const override { return Note("GetString", this), kText; }
+    U64 Interface_GetStringSize() const override { return Note("GetStringSize", this), kSize; }
+    IDataRef* Interface_GetData() const override { return Note("GetData", this), &gData; }
     IUserDefinedType* Interface_GetUserDefined() const override {
-        return Note("GetUserDefined"), &gUser;
+        return Note("GetUserDefined", this), &gUser;
     }
-    void Interface_AssignNumber(double value) override { Note("AssignNumber", value); }
+    void Interface_AssignNumber(double value) override { Note("AssignNumber", this, value); }
     void Interface_AssignString(char const* bytes, unsigned long size) override {
-        Note("AssignString", bytes, size);
+        Note("AssignString", this, bytes, size);
     }
-    void Interface_AssignData(IDataRef* data) override { Note("AssignData", data); }
+    void Interface_AssignData(IDataRef* data) override { Note("AssignData", this, data); }
 } gVariant;
 
-class ContextRecorder final : public Recorder<IContext> {
+class ContextRecorder final : public IContext {
 public:
-    bool Interface_IsInterrupted() const override { return Note("IsInterrupted"), true; }
-    IPolicy* Interface_GetPolicy() const override { return Note("GetPolicy"), &gPolicy; }
+    bool Interface_IsInterrupted() const override { return Note("IsInterrupted", this), true; }
+    IPolicy* Interface_GetPolicy() const override { return Note("GetPolicy", this), &gPolicy; }
     void Interface_TriggerErrorHandler(ErrorSeverity severity, char const* module,
                                        char const* error, char const* reason) override {
-        Note("TriggerErrorHandler", severity, module, error, reason);
+        Note("TriggerErrorHandler", this, severity, module, error, reason);
     }
 } gContext;
 
@@ -252,34 +231,30 @@ struct Slot<R(P...)> {
 template <class R, class... P>
 struct Slot<R(P...) const> : Slot<R(P...)> {};
 
-// What a call gave back (as a word) and what it reached. An owned object that comes back is
-// dropped at once, so its Release shows in the log.
-struct Outcome {
-    std::uint64_t result = 0;
-    Log log;
+// Whether R owns an object (AutoRefPtr): a wrapper that returns one adopts the reference.
+template <class R>
+constexpr bool kOwns = requires(R r) {
+    r.get();
 };
 
+// What a call reached, and last what it gave back, as a word under the name "=". An owned
+// object that comes back is dropped at once, so its Release shows before that.
 template <class F>
-Outcome Run(F call) {
+Log Run(F call) {
     gLog.clear();
-    Outcome outcome;
+    std::uint64_t result = 0;
     using R = decltype(call());
     if constexpr (std::is_void_v<R>) {
         call();
-    } else if constexpr (requires(R r) { r.get(); }) {
-        outcome.result = Word(call().get());
+    } else if constexpr (kOwns<R>) {
+        result = Word(call().get());
     } else {
-        outcome.result = Word(call());
+        result = Word(call());
     }
-    outcome.log = gLog;
-    return outcome;
+    Log log = gLog;
+    log.push_back(Call{"=", {result}});
+    return log;
 }
-
-// The interface whose Release a wrapper that returns R makes: the one it adopts, or none.
-template <class R>
-constexpr char const* kAdopted = nullptr;
-template <class T>
-constexpr char const* kAdopted<AutoRefPtr<T>> = kName<T>;
 
 // The wrapper that has the operation's name without "Interface_" and takes its arguments.
 #define TAVREL_WRAPPER(name) [](auto o, auto... a) { return o->name(a...); }
@@ -291,21 +266,19 @@ constexpr char const* kAdopted<AutoRefPtr<T>> = kName<T>;
 // same result.
 template <class M, class I, class C, class W, class... A>
 void CheckSlot(I* object, std::size_t slot, M C::*member, W wrapper, A... arguments) {
-    Outcome const direct = Run([&] { return (object->*member)(arguments...); });
-    ASSERT_EQ(direct.log.size(), 1u) << "slot " << slot;
-    SCOPED_TRACE("slot " + std::to_string(slot) + ": " + direct.log[0].operation);
-    EXPECT_EQ(direct.log[0].arguments, std::vector<std::uint64_t>{Word(arguments)...});
-    Outcome const viaSlot = Run([&] { return Slot<M>::Call(object, slot, arguments...); });
-    EXPECT_EQ(viaSlot.result, direct.result) << "result through the slot";
-    EXPECT_EQ(viaSlot.log, direct.log) << "what the slot reached";
+    Log const direct = Run([&] { return (object->*member)(arguments...); });
+    ASSERT_EQ(direct.size(), 2u) << "slot " << slot;
+    SCOPED_TRACE("slot " + std::to_string(slot) + ": " + direct[0].operation);
+    EXPECT_EQ(direct[0].arguments, (std::vector<std::uint64_t>{Word(object), Word(arguments)...}));
+    EXPECT_EQ(Run([&] { return Slot<M>::Call(object, slot, arguments...); }), direct)
+        << "what the slot reached and gave back";
     if constexpr (!std::is_null_pointer_v<W>) {
-        Outcome const wrapped = Run([&] { return wrapper(object, arguments...); });
-        Log expected = direct.log;
-        if (char const* adopted = kAdopted<decltype(wrapper(object, arguments...))>) {
-            expected.push_back(Call{std::string(adopted) + "::Release", {}});
+        Log expected = direct;
+        if constexpr (kOwns<decltype(wrapper(object, arguments...))>) {
+            expected.insert(expected.end() - 1, Call{"Release", direct.back().arguments});
         }
-        EXPECT_EQ(wrapped.result, direct.result) << "result through the wrapper";
-        EXPECT_EQ(wrapped.log, expected) << "what the wrapper reached";
+        EXPECT_EQ(Run([&] { return wrapper(object, arguments...); }), expected)
+            << "what the wrapper reached and gave back";
     }
 }
 
@@ -387,6 +360,43 @@ TEST(VirtualTable, IUserDefinedType) {
     CheckSlot<IJSON*(IContext*) const>(o, 7, &I::Interface_Serialize, nullptr, kContext);
 }
 
+// The paired forms of IUserDefinedType: a host object overrides one of a pair, and the other
+// serves too. Without a context, the form with one is called with a null context; with a
+// context, the form without one is called only when the context is not null (else false, null).
+class WithContext final : public InterfaceImpl<IUserDefinedType> {
+    char const* Interface_GetTypeName() const override { return kText; }
+    bool Interface_Deserialize(IJSON const* json, IContext* context) override {
+        return Note("Deserialize", this, json, context), true;
+    }
+    IJSON* Interface_Serialize(IContext* context) const override {
+        return Note("Serialize", this, context), kJSON;
+    }
+};
+
+class WithoutContext final : public InterfaceImpl<IUserDefinedType> {
+    char const* Interface_GetTypeName() const override { return kText; }
+    bool Interface_Deserialize(IJSON const* json) override {
+        return Note("Deserialize", this, json), true;
+    }
+    IJSON* Interface_Serialize() const override { return Note("Serialize", this), kJSON; }
+};
+
+TEST(VirtualTable, IUserDefinedTypeOneFormServesTheOther) {
+    AutoRefPtr<IUserDefinedType> const with(new WithContext()), without(new WithoutContext());
+    gLog.clear();
+    EXPECT_TRUE(with->Interface_Deserialize(kJSON));
+    EXPECT_EQ(with->Interface_Serialize(), kJSON);
+    EXPECT_FALSE(without->Interface_Deserialize(kJSON, nullptr));
+    EXPECT_EQ(without->Interface_Serialize(nullptr), nullptr);
+    EXPECT_TRUE(without->Interface_Deserialize(kJSON, kContext));
+    EXPECT_EQ(without->Interface_Serialize(kContext), kJSON);
+    std::uint64_t const w = Word(with.get()), wo = Word(without.get());
+    EXPECT_EQ(gLog, (Log{{"Deserialize", {w, Word(kJSON), 0}},
+                         {"Serialize", {w, 0}},
+                         {"Deserialize", {wo, Word(kJSON)}},
+                         {"Serialize", {wo}}}));
+}
+
 #undef TAVREL_WRAPPER
 
 // AssignString hands a string's size to the host as the host's unsigned long. Where that is
@@ -401,7 +411,7 @@ TEST(VirtualTable, AssignStringNeverCutsTheSize) {
         EXPECT_THROW(gVariant.AssignString(kText, kLargest + 1), std::length_error);
         EXPECT_THROW(gVariant.AssignString(kText, std::size_t{5} << 30), std::length_error);
     }
-    EXPECT_EQ(gLog, (Log{{"IVariant::AssignString", {Word(kText), kLargest}}}));
+    EXPECT_EQ(gLog, (Log{{"AssignString", {Word(&gVariant), Word(kText), kLargest}}}));
 }
 
 // ---- The module's own counted objects ------------------------------------------------------

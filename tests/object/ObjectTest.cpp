@@ -1,5 +1,5 @@
 // The object model, linked directly: AutoRefPtr's counting, Data (reading ranges, comparing
-// by both roads, cloning, PushBack, AppendRead) and AppendFromRead, whose new bytes are what
+// by both roads, PushBack, AppendRead) and AppendFromRead, whose new bytes are what
 // the one Read wrote and zero elsewhere, whatever the Read gives back or throws.
 #include <gtest/gtest.h>
 #include <stdexcept>
@@ -53,7 +53,6 @@ TEST(AutoRefPtr, AdoptsSharesMovesAndResets) {
         EXPECT_EQ(data->Interface_GetCount(), 1);
         AutoRefPtr<IDataRef> const shared(data);
         EXPECT_EQ(data->Interface_GetCount(), 2);
-        EXPECT_EQ(shared.get(), data.get());
     }
     EXPECT_EQ(destroyed, 1);
     // Empty pointers convert, copy and go without a call.
@@ -68,9 +67,6 @@ TEST(AutoRefPtr, AdoptsSharesMovesAndResets) {
     EXPECT_FALSE(source);
     EXPECT_EQ(target.get(), moved);
     EXPECT_EQ(moved->Interface_GetCount(), 1);
-    target = AutoRefPtr<IDataRef>(nullptr);
-    EXPECT_EQ(destroyed, 3);
-    EXPECT_FALSE(target);
     EXPECT_EQ(&target.reset(new Tracked(destroyed)), &target);
     target.reset(new Data());
     EXPECT_EQ(destroyed, 4);
@@ -91,15 +87,6 @@ TEST(Data, ReadCutsAtTheEndAndKeepsNulBytes) {
     AutoRefPtr<Data> empty(new Data());
     EXPECT_EQ(empty->Read(nullptr, 10, 0), 0u);
     EXPECT_NE(empty->GetData(), nullptr);
-    EXPECT_EQ(Content(Data(std::string_view("a\0b", 3))), std::string("a\0b", 3));
-    // A clone has its own bytes and its own count.
-    AutoRefPtr<Data> counted(new Data("x\0y", 3));
-    AutoRefPtr<IDataRef> clone = counted->Clone();
-    EXPECT_EQ(clone->Interface_GetCount(), 1);
-    EXPECT_EQ(Content(*clone.get()), std::string("x\0y", 3));
-    clone->Assign("z", 1);
-    EXPECT_EQ(Content(*counted.get()), std::string("x\0y", 3));
-    EXPECT_EQ(Content(*clone.get()), "z");
 }
 
 TEST(Data, IsEqualByBothRoads) {
@@ -163,9 +150,6 @@ TEST(Data, PushBack) {
     AutoRefPtr<IDataRef> self(data);
     data->PushBack(self);
     EXPECT_EQ(Content(*data.get()), "xyxy");
-    AutoRefPtr<IDataRef> shortReads(new MemoryBuffer("abcd", {false, 1}));
-    data->PushBack(shortReads);
-    EXPECT_EQ(Content(*data.get()), std::string("xyxya\0\0\0", 8));
 }
 
 TEST(Data, AppendReadFromItselfReserveChangesNoContent) {
@@ -180,50 +164,37 @@ TEST(Data, AppendReadFromItselfReserveChangesNoContent) {
     }
 }
 
-TEST(AppendFromRead, NewBytesAreWhatTheReadWrote) {
+// What no entry reaches, since the entries cut every range to the source first (faulty Reads
+// through the entries are in tests/module): a range past the end gives zeros, count 0 reads
+// nothing. A Read that throws leaves what it wrote and zeros; a count past max_size throws
+// without reading. Either way the bytes before stay.
+TEST(AppendFromRead, RangesPastTheEndAndThrows) {
     struct Row {
-        std::string prefix;
-        ReadFault fault;
-        unsigned long long chunk, count, offset;
-        std::string expected;
+        unsigned long long count, offset;
+        std::string added;
+        int reads;
     };
     Row const rows[] = {
-        {"ab", ReadFault::kNone, 0, 3, 0, "ab" + kBig.substr(0, 3)},
-        {"ab", ReadFault::kNone, 1, 3, 0, "ab" + kBig.substr(0, 1) + Zeros(2)},
-        {"", ReadFault::kNone, 0, 3, 20005, Zeros(3)},  // offset past the end: all zeros
-        {"ab", ReadFault::kNone, 0, 0, 0, "ab"},        // count 0: nothing, no Read
-        {"", ReadFault::kNone, 0, 9000, 15000, kBig.substr(15000) + Zeros(4000)},
-        {"p", ReadFault::kUnderReport, 0, 10000, 5, "p" + kBig.substr(5, 10000)},
-        {"p", ReadFault::kOverReport, 0, 10000, 5, "p" + kBig.substr(5, 10000)},
-        {"p", ReadFault::kOverClaim, 0, 10000, 5, "p" + Zeros(10000)},
-        {"p", ReadFault::kOverClaim, 0, 10, 5, "p" + Zeros(10)},
+        {3, 20005, Zeros(3), 1},
+        {9000, 15000, kBig.substr(15000) + Zeros(4000), 1},
+        {0, 0, "", 0},
     };
-    for (std::size_t i = 0; i < std::size(rows); ++i) {
-        Row const& row = rows[i];
-        SCOPED_TRACE("row " + std::to_string(i));
-        AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, row.chunk, row.fault}));
-        std::string bytes = row.prefix;
-        Tavrel::AppendFromRead(bytes, *source.get(), row.count, row.offset);
-        EXPECT_TRUE(bytes == row.expected) << "size " << bytes.size();
-        EXPECT_EQ(source->readCalls(), row.count == 0 ? 0 : 1);
-        EXPECT_EQ(source->getDataCalls(), 0);
-    }
-}
-
-// A Read that throws leaves what it wrote and zeros; a count past max_size throws without
-// reading. Either way the bytes before stay.
-TEST(AppendFromRead, ThrowsWithTheBytesBeforeKept) {
-    AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, 0, ReadFault::kThrowHalfway}));
-    for (unsigned long long count : {10ULL, 10000ULL}) {
+    for (Row const& row : rows) {
+        AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, 0}));
         std::string bytes = "ab";
-        EXPECT_THROW(Tavrel::AppendFromRead(bytes, *source.get(), count, 0), std::runtime_error);
-        EXPECT_TRUE(bytes == "ab" + kBig.substr(0, count / 2) + Zeros(count - count / 2)) << count;
+        Tavrel::AppendFromRead(bytes, *source.get(), row.count, row.offset);
+        EXPECT_TRUE(bytes == "ab" + row.added) << row.count << " at " << row.offset;
+        EXPECT_EQ(source->readCalls(), row.reads) << row.count << " at " << row.offset;
     }
+    AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, 0, ReadFault::kThrowHalfway}));
     std::string bytes = "ab";
+    EXPECT_THROW(Tavrel::AppendFromRead(bytes, *source.get(), 10000, 0), std::runtime_error);
+    EXPECT_TRUE(bytes == "ab" + kBig.substr(0, 5000) + Zeros(5000));
+    bytes = "ab";
     EXPECT_THROW(Tavrel::AppendFromRead(bytes, *source.get(), bytes.max_size(), 0),
                  std::length_error);
     EXPECT_EQ(bytes, "ab");
-    EXPECT_EQ(source->readCalls(), 2);
+    EXPECT_EQ(source->readCalls(), 1);
 }
 
 }  // namespace

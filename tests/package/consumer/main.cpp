@@ -21,18 +21,6 @@ void Expect(bool ok, char const* what) {
     gFailures += ok ? 0 : 1;
 }
 
-// A host context that keeps the last error report.
-class Context final : public Tavrel::IContext {
-public:
-    bool Interface_IsInterrupted() const override { return false; }
-    Tavrel::IPolicy* Interface_GetPolicy() const override { return nullptr; }
-    void Interface_TriggerErrorHandler(Tavrel::ErrorSeverity, char const*, char const* error,
-                                       char const*) override {
-        last = error;
-    }
-    std::string last;
-};
-
 }  // namespace
 
 int main() {
@@ -50,10 +38,9 @@ int main() {
                std::string_view(bytes, 5) == "world",
            "object: Data");
 
-    Context context;
-    context.TriggerErrorHandler(Tavrel::kErrorSeverityError, "Binary",
-                                Tavrel::TavrelError::InvalidUsage(), "reason");
-    Expect(context.last == "Error.Tavrel.InvalidUsage", "host: IContext::TriggerErrorHandler");
+    // IContext.h, included, compiles with the installed headers alone.
+    Expect(std::string(Tavrel::TavrelError::InvalidUsage()) == "Error.Tavrel.InvalidUsage",
+           "host: ErrorNames");
 
     return gFailures == 0 ? 0 : 1;
 }
