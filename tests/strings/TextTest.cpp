@@ -12,6 +12,7 @@
 #include "strings/Split.h"
 #include "strings/Trim.h"
 #include "testing/StringReferences.h"
+#include "tests/strings/AllTexts.h"
 
 namespace Tavrel {
 namespace {
@@ -19,17 +20,6 @@ namespace {
 namespace ref = tavrel_testing::reference;
 using namespace std::string_literals;
 using Parts = std::list<std::string>;
-
-// Every text of up to longest bytes drawn from alphabet, "" first.
-std::vector<std::string> AllTexts(std::string const& alphabet, std::size_t longest) {
-    std::vector<std::string> texts = {""};
-    for (std::size_t i = 0; texts[i].size() < longest; ++i) {
-        for (char const c : alphabet) {
-            texts.push_back(texts[i] + c);
-        }
-    }
-    return texts;
-}
 
 std::string Shown(std::string const& text) { return testing::PrintToString(text); }
 
