@@ -45,6 +45,14 @@ double const kInf = std::numeric_limits<double>::infinity();
 double const kNaN = std::numeric_limits<double>::quiet_NaN();
 char const* const kMin = "-9223372036854775808";
 
+// A host buffer is read once at most by an operation, and never through GetData.
+void ExpectReadOnceAtMost(IDataRef* data) {
+    if (auto* host = dynamic_cast<MemoryBuffer*>(data)) {
+        EXPECT_LE(host->readCalls(), 1);
+        EXPECT_EQ(host->getDataCalls(), 0);
+    }
+}
+
 // Runs entry(source, offset, size) for every row over the source "abcdef" and every source
 // kind (the text "abcdef" for ToDataRefPart); checks the result (a new buffer with one
 // reference, or a string), the exact report, and that the source keeps its bytes and count.
@@ -87,6 +95,7 @@ void CheckRanges(char const* entry, char const* lead, char const* sizeName) {
                                            : std::string(lead) + " Offset: \"" + row.shownOffset +
                                                  "\" " + sizeName + ": \"" + row.shownSize + "\"";
             EXPECT_EQ(call.reports, InvalidArguments(reason));
+            ExpectReadOnceAtMost(data);
             if (data != nullptr) {
                 EXPECT_EQ(data->Interface_GetCount(), count);
                 EXPECT_EQ(BytesOf(data), "abcdef");
@@ -152,6 +161,9 @@ TEST(Operations, WholeBuffersSlicesToTheEndAndAppends) {
                 EXPECT_EQ(call.result.dataPointer()->Interface_GetCount(), 1);
             }
             EXPECT_EQ(call.reports, InvalidArguments(row.reason));
+            for (Variant const& argument : arguments) {
+                ExpectReadOnceAtMost(argument.dataPointer());
+            }
             EXPECT_EQ(BytesOf(first.dataPointer()), row.first);
         }
         Variant const self = kind.make("xy");  // appended to itself
