@@ -30,7 +30,7 @@ TEST(Case, AgreesWithReference) {
         ASSERT_EQ(ToUpper(text), ref::Upper(text)) << Shown(text);
         ASSERT_EQ(ToLower(text), ref::Lower(text)) << Shown(text);
     }
-    for (std::string const& text : AllTexts("aZ1_ -.\xC3", 5)) {
+    for (std::string const& text : AllTexts("aZ09_ -.\xC3", 5)) {
         std::string camel = text;
         ToCamelCase(camel);
         ASSERT_EQ(camel, ref::CamelCase(text)) << Shown(text);
