@@ -37,12 +37,17 @@ unsigned int CallEntry(std::string_view name, std::vector<Tavrel::IVariant*> arg
 }
 
 CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
-                std::vector<bool> nullArguments) {
+                std::vector<bool> nullArguments, std::optional<AutoRefPtr<Tavrel::IPolicy>> policy,
+                bool interrupted) {
     CallResult call;
-    minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new minihost::FilePolicy()));
+    minihost::Context context(
+        policy.value_or(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new minihost::FilePolicy())));
     context.SetErrorHandler([&call](minihost::ErrorReport const& report) {
         call.reports.push_back({report.severity, report.module, report.error, report.reason});
     });
+    if (interrupted) {
+        context.Interrupt();
+    }
     std::vector<Tavrel::IVariant*> pointers;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         bool const isNull = i < nullArguments.size() && nullArguments[i];

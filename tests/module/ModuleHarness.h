@@ -4,6 +4,7 @@
 // compare what it gives. It serves the module tests; the hardening tests have LoadedBinary.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,9 +39,12 @@ struct CallResult {
 minihost::LoadedModule& Module();
 
 // Calls entry "tavrel_module_<name>" with arguments; a null entry in nullArguments makes
-// that place a null IVariant*.
+// that place a null IVariant*. The context's policy is a FilePolicy unless one is given (null
+// for none), and it is interrupted before the call when asked.
 CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
-                std::vector<bool> nullArguments = {});
+                std::vector<bool> nullArguments = {},
+                std::optional<AutoRefPtr<Tavrel::IPolicy>> policy = std::nullopt,
+                bool interrupted = false);
 
 // Calls entry "tavrel_module_<name>" as given, for tests that bring their own variants,
 // result or context; gives the status word.

@@ -26,16 +26,15 @@ struct SourceKind {
     std::function<Variant(std::string_view)> make;
 };
 
+Variant Host(IDataRef* buffer) { return Variant::DataRef(AutoRefPtr<IDataRef>(buffer)); }
+
 // Every kind of buffer an operation may be given; each delivers all bytes asked for.
 std::vector<SourceKind> const kKinds = {
     {"module buffer", [](std::string_view b) { return Variant::DataRef(ModuleBuffer(b)); }},
-    {"host, exposed",
-     [](std::string_view b) {
-         return Variant::DataRef(AutoRefPtr<IDataRef>(new MemoryBuffer(b)));
-     }},
+    {"host, exposed", [](std::string_view b) { return Host(new MemoryBuffer(b)); }},
     {"host, hidden",
      [](std::string_view b) {
-         return Variant::DataRef(AutoRefPtr<IDataRef>(new MemoryBuffer(b, {false, 0})));
+         return Host(new MemoryBuffer(b, {false, 0}));
      }},
 };
 
@@ -44,6 +43,14 @@ double const kHuge = 9.3e18;  // pinned to the largest long long
 double const kInf = std::numeric_limits<double>::infinity();
 double const kNaN = std::numeric_limits<double>::quiet_NaN();
 char const* const kMin = "-9223372036854775808";
+
+// A host buffer is read once at most by an operation, and never through GetData.
+void ExpectReadOnceAtMost(IDataRef* data) {
+    if (auto* host = dynamic_cast<MemoryBuffer*>(data)) {
+        EXPECT_LE(host->readCalls(), 1);
+        EXPECT_EQ(host->getDataCalls(), 0);
+    }
+}
 
 // Runs entry(source, offset, size) for every row over the source "abcdef" and every source
 // kind (the text "abcdef" for ToDataRefPart); checks the result (a new buffer with one
@@ -87,6 +94,7 @@ void CheckRanges(char const* entry, char const* lead, char const* sizeName) {
                                            : std::string(lead) + " Offset: \"" + row.shownOffset +
                                                  "\" " + sizeName + ": \"" + row.shownSize + "\"";
             EXPECT_EQ(call.reports, InvalidArguments(reason));
+            ExpectReadOnceAtMost(data);
             if (data != nullptr) {
                 EXPECT_EQ(data->Interface_GetCount(), count);
                 EXPECT_EQ(BytesOf(data), "abcdef");
@@ -152,6 +160,9 @@ TEST(Operations, WholeBuffersSlicesToTheEndAndAppends) {
                 EXPECT_EQ(call.result.dataPointer()->Interface_GetCount(), 1);
             }
             EXPECT_EQ(call.reports, InvalidArguments(row.reason));
+            for (Variant const& argument : arguments) {
+                ExpectReadOnceAtMost(argument.dataPointer());
+            }
             EXPECT_EQ(BytesOf(first.dataPointer()), row.first);
         }
         Variant const self = kind.make("xy");  // appended to itself
@@ -231,26 +242,17 @@ TEST(MapFile, PassesOnThePolicysAnswer) {
         bool const hasPolicy = row.pathSeen != nullptr;
         AutoRefPtr<FixedPolicy> policy(
             hasPolicy ? new FixedPolicy(row.giveBuffer ? host : AutoRefPtr<IDataRef>()) : nullptr);
-        std::vector<Report> reports;
         {
-            minihost::Context context{AutoRefPtr<Tavrel::IPolicy>(policy)};
-            context.SetErrorHandler([&reports](minihost::ErrorReport const& report) {
-                reports.push_back({report.severity, report.module, report.error, report.reason});
-            });
-            if (row.interrupted) {
-                context.Interrupt();
+            CallResult const call = Call("BinaryMapFile", {Variant::String(row.path)}, {},
+                                         AutoRefPtr<Tavrel::IPolicy>(policy), row.interrupted);
+            EXPECT_EQ(call.status, 0u);
+            EXPECT_EQ(call.result.dataPointer(), row.giveBuffer ? host.get() : nullptr);
+            std::vector<Report> expected;
+            if (*row.reason != '\0') {
+                expected.push_back({2, "Binary", "Error.System.Access", row.reason});
             }
-            minihost::Variant argument = minihost::Variant::String(row.path);
-            minihost::Variant result;
-            EXPECT_EQ(tavrel_testing::CallEntry("BinaryMapFile", {&argument}, &result, &context),
-                      0u);
-            EXPECT_EQ(result.dataPointer(), row.giveBuffer ? host.get() : nullptr);
+            EXPECT_EQ(call.reports, expected);
         }
-        std::vector<Report> expected;
-        if (*row.reason != '\0') {
-            expected.push_back({2, "Binary", "Error.System.Access", row.reason});
-        }
-        EXPECT_EQ(reports, expected);
         if (hasPolicy) {
             EXPECT_EQ(policy->paths, std::vector<std::string>{row.pathSeen});
             EXPECT_EQ(policy->Interface_GetCount(), 1);

@@ -1,7 +1,7 @@
-// The module's public face: the names its file exports, read from the file itself as the
-// system's loader reads them (the dynamic symbol table of an ELF shared object, the export
-// directory of a Windows DLL): exactly the 28 names of the lists leave the module, the hidden
-// ones stay inside it, and a DLL needs no other DLL than Windows' own; its fixed texts and its
+// The module's public face: the names it exports, read as the system's loader reads them
+// (the dynamic symbol table of the ELF shared object's file, the export directory of the DLL
+// as it was mapped): exactly the 28 names of the lists leave the module, the hidden ones stay
+// inside it, and a DLL needs no other DLL than Windows' own; its fixed texts and its
 // definition text.
 #include <cstdint>
 #include <cstring>
@@ -26,10 +26,50 @@
 namespace tavrel_testing {
 namespace {
 
-std::string FileBytes(char const* path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+std::set<std::string> ExpectedNames() {
+    std::set<std::string> expected;
+    for (std::string_view name : minihost::LoadedModule::ExportedNames()) {
+        expected.insert(std::string(name));
+    }
+    return expected;
 }
+
+#if defined(_WIN32)
+
+// The module as the loader mapped it: its handle is its base address, and a relative virtual
+// address is an offset from there.
+char const* Base() { return static_cast<char const*>(Module().Handle()); }
+std::uint32_t Word(std::uint32_t rva) {
+    std::uint32_t value = 0;
+    std::memcpy(&value, Base() + rva, sizeof value);
+    return value;
+}
+// The relative address of data directory index (0 exports, 1 imports) of the PE32+ image.
+std::uint32_t Directory(std::uint32_t index) { return Word(Word(0x3C) + 24 + 112 + 8 * index); }
+
+std::set<std::string> ExportedNamesOfTheModule() {
+    std::uint32_t const exports = Directory(0);
+    std::set<std::string> found;
+    for (std::uint32_t i = 0; i < Word(exports + 24); ++i) {
+        found.insert(Base() + Word(Word(exports + 32) + 4 * i));
+    }
+    return found;
+}
+
+TEST(ExportTable, NeedsNoDllBeyondWindowsOwn) {
+    int imports = 0;
+    for (std::uint32_t entry = Directory(1); Word(entry + 12) != 0; entry += 20, ++imports) {
+        std::string dll = Base() + Word(entry + 12);
+        for (char& c : dll) {
+            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        }
+        EXPECT_TRUE(dll == "KERNEL32.DLL" || dll == "MSVCRT.DLL" || dll.starts_with("API-MS-WIN-"))
+            << dll;
+    }
+    EXPECT_GT(imports, 0);
+}
+
+#else
 
 // A value of type T at offset of the image, copied out (the image is not aligned for it).
 template <class T>
@@ -41,95 +81,6 @@ T At(std::string const& image, std::size_t offset) {
     return value;
 }
 
-std::set<std::string> ExpectedNames() {
-    std::set<std::string> expected;
-    for (std::string_view name : minihost::LoadedModule::ExportedNames()) {
-        expected.insert(std::string(name));
-    }
-    return expected;
-}
-
-#if defined(_WIN32)
-
-// The parts of a PE image that locate its directories.
-struct PeImage {
-    std::string bytes;
-    std::size_t sections = 0;  // offset of the section table
-    unsigned count = 0;        // number of sections
-
-    // The file offset of a relative virtual address, through the section that holds it.
-    std::size_t Offset(std::uint32_t rva) const {
-        for (unsigned i = 0; i < count; ++i) {
-            std::size_t const section = sections + i * 40;
-            auto const address = At<std::uint32_t>(bytes, section + 12);
-            auto const size = At<std::uint32_t>(bytes, section + 16);
-            if (rva >= address && rva < address + size) {
-                return rva - address + At<std::uint32_t>(bytes, section + 20);
-            }
-        }
-        return 0;
-    }
-    std::string Text(std::uint32_t rva) const { return std::string(bytes.c_str() + Offset(rva)); }
-    // The relative address of data directory index (0 exports, 1 imports) of a PE32+ image.
-    std::uint32_t Directory(std::size_t optional, int index) const {
-        return At<std::uint32_t>(bytes, optional + 112 + 8 * static_cast<std::size_t>(index));
-    }
-};
-
-PeImage ReadPe(char const* path, std::size_t& optional) {
-    PeImage image{FileBytes(path)};
-    auto const pe = At<std::uint32_t>(image.bytes, 0x3C);
-    optional = pe + 24;
-    image.count = At<std::uint16_t>(image.bytes, pe + 6);
-    image.sections = optional + At<std::uint16_t>(image.bytes, pe + 20);
-    return image;
-}
-
-std::set<std::string> ExportedNamesOf(char const* path) {
-    std::size_t optional = 0;
-    PeImage const image = ReadPe(path, optional);
-    std::size_t const exports = image.Offset(image.Directory(optional, 0));
-    auto const count = At<std::uint32_t>(image.bytes, exports + 24);
-    std::size_t const names = image.Offset(At<std::uint32_t>(image.bytes, exports + 32));
-    std::set<std::string> found;
-    for (std::uint32_t i = 0; i < count; ++i) {
-        found.insert(image.Text(At<std::uint32_t>(image.bytes, names + 4 * i)));
-    }
-    return found;
-}
-
-std::set<std::string> ImportedDllsOf(char const* path) {
-    std::size_t optional = 0;
-    PeImage const image = ReadPe(path, optional);
-    std::set<std::string> found;
-    for (std::size_t entry = image.Offset(image.Directory(optional, 1));
-         At<std::uint32_t>(image.bytes, entry + 12) != 0; entry += 20) {
-        std::string name = image.Text(At<std::uint32_t>(image.bytes, entry + 12));
-        for (char& c : name) {
-            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-        }
-        found.insert(name);
-    }
-    return found;
-}
-
-TEST(ExportTable, ExportsExactlyTheTwentyEightNames) {
-    std::set<std::string> const expected = ExpectedNames();
-    ASSERT_EQ(expected.size(), 28u);
-    EXPECT_EQ(ExportedNamesOf(TAVREL_MODULE_PATH), expected);
-}
-
-TEST(ExportTable, NeedsNoDllBeyondWindowsOwn) {
-    std::set<std::string> const imports = ImportedDllsOf(TAVREL_MODULE_PATH);
-    EXPECT_FALSE(imports.empty());
-    for (std::string const& dll : imports) {
-        EXPECT_TRUE(dll == "KERNEL32.DLL" || dll == "MSVCRT.DLL" || dll.starts_with("API-MS-WIN-"))
-            << dll;
-    }
-}
-
-#else
-
 struct Symbol {
     Elf64_Addr value;
     Elf64_Xword size;
@@ -137,10 +88,12 @@ struct Symbol {
     unsigned char type;
 };
 
-// The defined symbols of the file's symbol table of the given kind (SHT_DYNSYM: the names
-// a host can look up; SHT_SYMTAB: every name the link kept, local ones included).
-std::map<std::string, Symbol> DefinedSymbols(char const* path, Elf64_Word kind) {
-    std::string const image = FileBytes(path);
+// The defined symbols of the module file's symbol table of the given kind (SHT_DYNSYM: the
+// names a host can look up; SHT_SYMTAB: every name the link kept, local ones included).
+std::map<std::string, Symbol> DefinedSymbols(Elf64_Word kind) {
+    std::ifstream file(TAVREL_MODULE_PATH, std::ios::binary);
+    std::string const image((std::istreambuf_iterator<char>(file)),
+                            std::istreambuf_iterator<char>());
     auto const header = At<Elf64_Ehdr>(image, 0);
     std::map<std::string, Symbol> found;
     for (int i = 0; i < header.e_shnum; ++i) {
@@ -163,20 +116,18 @@ std::map<std::string, Symbol> DefinedSymbols(char const* path, Elf64_Word kind) 
     return found;
 }
 
-TEST(ExportTable, ExportsExactlyTheTwentyEightNames) {
-    std::set<std::string> const expected = ExpectedNames();
-    ASSERT_EQ(expected.size(), 28u);
+std::set<std::string> ExportedNamesOfTheModule() {
     std::set<std::string> exported;
-    for (auto const& [name, symbol] : DefinedSymbols(TAVREL_MODULE_PATH, SHT_DYNSYM)) {
+    for (auto const& [name, symbol] : DefinedSymbols(SHT_DYNSYM)) {
         if (symbol.bind != STB_LOCAL) {
             exported.insert(name);
         }
     }
-    EXPECT_EQ(exported, expected);
+    return exported;
 }
 
 TEST(ExportTable, HiddenNamesExistAsLocalSymbols) {
-    std::map<std::string, Symbol> const symbols = DefinedSymbols(TAVREL_MODULE_PATH, SHT_SYMTAB);
+    std::map<std::string, Symbol> const symbols = DefinedSymbols(SHT_SYMTAB);
     if (symbols.empty()) {
         GTEST_SKIP() << "the module was stripped of its symbol table";
     }
@@ -201,6 +152,12 @@ TEST(ExportTable, HiddenNamesExistAsLocalSymbols) {
 }
 
 #endif
+
+TEST(ExportTable, ExportsExactlyTheTwentyEightNames) {
+    std::set<std::string> const expected = ExpectedNames();
+    ASSERT_EQ(expected.size(), 28u);
+    EXPECT_EQ(ExportedNamesOfTheModule(), expected);
+}
 
 TEST(Surface, FixedTexts) {
     // clang-format off
