@@ -103,6 +103,46 @@ void CheckRanges(char const* entry, char const* lead, char const* sizeName) {
     }
 }
 
+// Every road that reads a range of a host buffer writes what the one Read wrote into its
+// result and zero elsewhere, whatever count the Read gives back: a short Read, one that writes
+// nothing and claims all, one that writes all and gives 0.
+TEST(Operations, ReadingRoadsKeepWhatTheReadWroteAndZeroElsewhere) {
+    // clang-format off
+    // shown: how the result starts ("9:" a string, "13:" a buffer, "13:xy" appended to "xy")
+    struct Row { char const* entry; std::vector<double> numbers; std::string shown; std::size_t offset, count; };
+    Row const rows[] = {
+        {"BinaryToString", {}, "9:", 0, 6},      {"BinaryPartToString", {1, 3}, "9:", 1, 3},
+        {"BinarySlice", {1, 3}, "13:", 1, 3},    {"BinarySliceRight", {2}, "13:", 2, 4},
+        {"BinaryCopyPart", {1, 3}, "13:", 1, 3}, {"BinaryAppend", {}, "13:xy", 0, 6},
+        {"BinaryAppendPart", {1, 3}, "13:xy", 1, 3},
+    };
+    struct Fault { minihost::ReadFault fault; std::size_t chunk, written; };
+    Fault const faults[] = {{minihost::ReadFault::kNone, 1, 1},
+                            {minihost::ReadFault::kOverClaim, 0, 0},
+                            {minihost::ReadFault::kUnderReport, 0, 6}};
+    // clang-format on
+    std::string const bytes = "abcdef";
+    for (Fault const& fault : faults) {
+        for (Row const& row : rows) {
+            SCOPED_TRACE(std::string(row.entry) + ", writes " + std::to_string(fault.written));
+            auto* host = new MemoryBuffer(bytes, {false, fault.chunk, fault.fault});
+            std::vector<Variant> arguments = {Host(host)};
+            if (row.shown == "13:xy") {
+                arguments.insert(arguments.begin(), Variant::DataRef(ModuleBuffer("xy")));
+            }
+            for (double number : row.numbers) {
+                arguments.push_back(N(number));
+            }
+            std::size_t const written = std::min(fault.written, row.count);
+            std::string const expected = row.shown + bytes.substr(row.offset, written) +
+                                         std::string(row.count - written, '\0');
+            EXPECT_EQ(Shown(Call(row.entry, arguments).result), expected);
+            EXPECT_EQ(host->readCalls(), 1);
+            EXPECT_EQ(host->getDataCalls(), 0);
+        }
+    }
+}
+
 TEST(Operations, RangesOfEveryRangedOperation) {
     CheckRanges("BinaryPartToString", "Cannot convert binary part to string.", "Size");
     CheckRanges("BinarySlice", "Cannot slice with negative offset or size.", "Size");

@@ -164,27 +164,36 @@ TEST(Data, AppendReadFromItselfReserveChangesNoContent) {
     }
 }
 
-// What no entry reaches, since the entries cut every range to the source first (faulty Reads
-// through the entries are in tests/module): a range past the end gives zeros, count 0 reads
-// nothing. A Read that throws leaves what it wrote and zeros; a count past max_size throws
-// without reading. Either way the bytes before stay.
-TEST(AppendFromRead, RangesPastTheEndAndThrows) {
+// The new bytes are what the one Read wrote and zero elsewhere, whatever count it gives back: a
+// short Read, one that under- or over-reports, one that claims bytes it never wrote; a range
+// past the end gives zeros, count 0 reads nothing. A Read that throws leaves what it wrote and
+// zeros; a count past max_size throws without reading. Either way the bytes before stay.
+TEST(AppendFromRead, NewBytesAreWhatTheReadWrote) {
     struct Row {
-        unsigned long long count, offset;
+        ReadFault fault;
+        unsigned long long chunk, count, offset;
         std::string added;
-        int reads;
     };
     Row const rows[] = {
-        {3, 20005, Zeros(3), 1},
-        {9000, 15000, kBig.substr(15000) + Zeros(4000), 1},
-        {0, 0, "", 0},
+        {ReadFault::kNone, 0, 3, 0, kBig.substr(0, 3)},
+        {ReadFault::kNone, 1, 3, 0, kBig.substr(0, 1) + Zeros(2)},
+        {ReadFault::kNone, 0, 3, 20005, Zeros(3)},
+        {ReadFault::kNone, 0, 9000, 15000, kBig.substr(15000) + Zeros(4000)},
+        {ReadFault::kNone, 0, 0, 0, ""},
+        {ReadFault::kUnderReport, 0, 10000, 5, kBig.substr(5, 10000)},
+        {ReadFault::kOverReport, 0, 10000, 5, kBig.substr(5, 10000)},
+        {ReadFault::kOverClaim, 0, 10000, 5, Zeros(10000)},
+        {ReadFault::kOverClaim, 0, 10, 5, Zeros(10)},
     };
-    for (Row const& row : rows) {
-        AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, 0}));
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        Row const& row = rows[i];
+        SCOPED_TRACE("row " + std::to_string(i));
+        AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, row.chunk, row.fault}));
         std::string bytes = "ab";
         Tavrel::AppendFromRead(bytes, *source.get(), row.count, row.offset);
-        EXPECT_TRUE(bytes == "ab" + row.added) << row.count << " at " << row.offset;
-        EXPECT_EQ(source->readCalls(), row.reads) << row.count << " at " << row.offset;
+        EXPECT_TRUE(bytes == "ab" + row.added) << "size " << bytes.size();
+        EXPECT_EQ(source->readCalls(), row.count == 0 ? 0 : 1);
+        EXPECT_EQ(source->getDataCalls(), 0);
     }
     AutoRefPtr<MemoryBuffer> source(new MemoryBuffer(kBig, {false, 0, ReadFault::kThrowHalfway}));
     std::string bytes = "ab";
