@@ -1,28 +1,15 @@
-// Traversal detection and full paths against a current directory of the test's own (the two
-// resolutions alone: FSPathReferenceTest.cpp).
+// Full paths against a current directory of the test's own (the two resolutions alone:
+// FSPathReferenceTest.cpp; traversal detection: the path fuzzer).
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 
 #include "path/FSPath.h"
 #include "testing/TestFiles.h"
-#include "testing/TrickyPaths.h"
 
 namespace Tavrel {
 namespace {
-
-using tavrel_testing::Raw;
-
-TEST(FSPathAbsolute, ContainsTraversal) {
-    for (char const* text : {"a../", "a..\\b"}) {
-        EXPECT_TRUE(Raw(text).ContainsTraversal()) << text;
-    }
-    for (char const* text : {"a/..", "..."}) {
-        EXPECT_FALSE(Raw(text).ContainsTraversal()) << text;
-    }
-}
 
 // Runs each test in a fresh temporary directory and returns to the old one afterwards.
 class FSPathFullPath : public ::testing::Test {
