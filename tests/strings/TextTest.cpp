@@ -1,6 +1,7 @@
 // The functions of the string library that have a single, portable form, against the slow,
 // literal references of testing/ on every short text over alphabets that hold each kind of
-// byte the rules tell apart; and the arguments that look into the text they change.
+// byte the rules tell apart; and the arguments that look into the text they change. (Escape
+// and Unescape, and splitting, against the references: the strings fuzzer.)
 #include <gtest/gtest.h>
 #include <list>
 #include <string>
@@ -85,43 +86,12 @@ TEST(Trim, AgreesWithReference) {
     EXPECT_EQ(text, "a");
 }
 
-TEST(SplitString, AgreesWithReference) {
-    // clang-format off
-    struct Delimiters { std::string bytes; bool anyOf; };
-    Delimiters const kinds[] = {{"/\\", true}, {"::", false}, {":", false}, {"", true}};
-    // clang-format on
-    for (std::string const& text : AllTexts("a/\\:", 5)) {
-        for (Delimiters const& kind : kinds) {
-            Parts out = {"old"};
-            Parts const expected = ref::Split(text, kind.bytes, kind.anyOf);
-            ASSERT_EQ(SplitString(text, out, kind.bytes, kind.anyOf), expected.size())
-                << text << " by " << kind.bytes;
-            ASSERT_EQ(out, expected) << text << " by " << kind.bytes;
-        }
-    }
-    Parts out = {"old"};  // no whole delimiter to look for: the text is the one piece
-    EXPECT_EQ(SplitString("a/b", out, "", false), 1u);
-    EXPECT_EQ(out, Parts{"a/b"});
-    out = {"x/y", "/"};  // the text and the delimiters are elements of out
+// Against the references: the strings fuzzer. Here the text and the delimiters are elements of
+// the list that takes the pieces.
+TEST(SplitString, ArgumentsInsideTheOutput) {
+    Parts out = {"x/y", "/"};
     EXPECT_EQ(SplitString(out.front(), out, out.back(), true), 2u);
     EXPECT_EQ(out, (Parts{"x", "y"}));
-}
-
-// Both ways, and back to the text; also with the special byte being the escape itself.
-TEST(Escape, AgreesWithReferenceAndGoesBack) {
-    for (std::string const& text : AllTexts("a;\\", 6)) {
-        for (char const special : {';', '\\'}) {
-            SCOPED_TRACE(Shown(text) + " special " + special);
-            std::string escaped = text;
-            Escape(escaped, special, '\\');
-            ASSERT_EQ(escaped, ref::Escaped(text, special, '\\'));
-            Unescape(escaped, special, '\\');
-            ASSERT_EQ(escaped, text);
-            std::string unescaped = text;
-            Unescape(unescaped, special, '\\');
-            ASSERT_EQ(unescaped, ref::Unescaped(text, special, '\\'));
-        }
-    }
 }
 
 // Each text through the out and the in-place forms; out may look into the text.
