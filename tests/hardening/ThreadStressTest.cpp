@@ -12,8 +12,6 @@
 #include <thread>
 #include <vector>
 
-#include "minihost/host/FilePolicy.h"
-#include "minihost/host/LiveCount.h"
 #include "tests/hardening/LoadedBinary.h"
 
 namespace {
@@ -29,8 +27,7 @@ TEST(ThreadStress, SharedBuffersAndEntriesOnSeveralThreads) {
     {
         tavrel_testing::CallValues values;
         std::vector<tavrel_testing::EntryCall> const calls = EveryEntryCall(values);
-        std::vector<int> const countsBefore = values.Counts();
-        Tavrel::AutoRefPtr<Tavrel::IPolicy> const policy(new minihost::FilePolicy());
+        std::array<int, 3> const countsBefore = values.Counts();
         std::array<std::atomic<IDataRef*>, kMailboxSlots> mailbox{};
         // Calls with a wrong status word or number of reports on any thread, buffers made, and
         // mailbox releases that destroyed their buffer (each must: it held the last reference).
@@ -46,7 +43,7 @@ TEST(ThreadStress, SharedBuffersAndEntriesOnSeveralThreads) {
                     int reports = 0;
                     minihost::Variant result;
                     unsigned int const status =
-                        tavrel_testing::Invoke(call, result, policy, reports);
+                        tavrel_testing::Invoke(call, result, values.policy, reports);
                     wrong += status != 0 || reports != call.reports ? 1 : 0;
                     // A buffer in the result goes into the mailbox with the only reference.
                     IDataRef* const fresh = result.dataPointer();
