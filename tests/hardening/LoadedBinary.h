@@ -65,9 +65,9 @@ struct CallValues {
         return result;
     }
 
-    // The reference counts of the three buffers that the calls share.
-    std::array<int, 3> Counts() const {
-        return {module.dataPointer()->Interface_GetCount(),
+    // The reference counts of the policy and of the three buffers that the calls share.
+    std::array<int, 4> Counts() const {
+        return {policy->Interface_GetCount(), module.dataPointer()->Interface_GetCount(),
                 host.dataPointer()->Interface_GetCount(),
                 hidden.dataPointer()->Interface_GetCount()};
     }

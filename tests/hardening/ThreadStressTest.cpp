@@ -27,7 +27,7 @@ TEST(ThreadStress, SharedBuffersAndEntriesOnSeveralThreads) {
     {
         tavrel_testing::CallValues values;
         std::vector<tavrel_testing::EntryCall> const calls = EveryEntryCall(values);
-        std::array<int, 3> const countsBefore = values.Counts();
+        std::array<int, 4> const countsBefore = values.Counts();
         std::array<std::atomic<IDataRef*>, kMailboxSlots> mailbox{};
         // Calls with a wrong status word or number of reports on any thread, buffers made, and
         // mailbox releases that destroyed their buffer (each must: it held the last reference).
@@ -65,7 +65,8 @@ TEST(ThreadStress, SharedBuffersAndEntriesOnSeveralThreads) {
         for (auto& slot : mailbox) {
             putOut(slot.exchange(nullptr));
         }
-        EXPECT_EQ(values.Counts(), countsBefore) << "the shared buffers keep their counts";
+        EXPECT_EQ(values.Counts(), countsBefore)
+            << "the policy and the shared buffers keep their counts";
         EXPECT_EQ(wrong, 0) << "calls that gave another status word or number of reports";
         EXPECT_GT(made, 0);
         EXPECT_EQ(destroyed, made) << "a buffer's last reference did not destroy it: a lost count";
