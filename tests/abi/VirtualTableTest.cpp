@@ -57,13 +57,8 @@ constexpr bool kAreInterfaces = ((std::is_polymorphic_v<I> && std::is_abstract_v
                                   sizeof(I) == sizeof(void*)) &&
                                  ...);
 static_assert(kAreInterfaces<IObject, IDataRef, IVariant, IContext, IPolicy, IUserDefinedType>);
-// Counted by the host: the buffers, the policy and the user-defined objects; not the variants
-// and the context.
-static_assert(std::is_convertible_v<IDataRef*, IObject*> &&
-              std::is_convertible_v<IPolicy*, IObject*> &&
-              std::is_convertible_v<IUserDefinedType*, IObject*>);
-static_assert(!std::is_base_of_v<IObject, IVariant> && !std::is_base_of_v<IObject, IContext>);
-static_assert(std::is_same_v<ErrorSeverity, std::uint8_t>, "the severity is one unsigned byte");
+// Counted by the host: the buffers, the policy and the user-defined objects (CheckCounting
+// below converts them to IObject); not the variants and the context (their slot 0 below).
 // IModuleInfo has no operation at all: the host's object is passed through and never called.
 static_assert(std::is_empty_v<IModuleInfo> && !std::is_polymorphic_v<IModuleInfo>);
 // IJSON is only named: nothing of the module may depend on its layout.
@@ -72,10 +67,6 @@ concept Complete = requires {
     sizeof(T);
 };
 static_assert(!Complete<IJSON>, "IJSON must stay a declaration only");
-// The module's counted objects: the count is the only field; the destructor is virtual and
-// comes behind T's operations (checked by slot below).
-static_assert(std::has_virtual_destructor_v<InterfaceImpl<IDataRef>> &&
-              std::is_convertible_v<InterfaceImpl<IDataRef>*, IDataRef*>);
 
 // ---- Recording ------------------------------------------------------------------------------
 
@@ -363,41 +354,32 @@ TEST(VirtualTable, IUserDefinedType) {
 // The paired forms of IUserDefinedType: a host object overrides one of a pair, and the other
 // serves too. Without a context, the form with one is called with a null context; with a
 // context, the form without one is called only when the context is not null (else false, null).
+// The overrides give true and kJSON only for the arguments that the other form must pass on.
 class WithContext final : public InterfaceImpl<IUserDefinedType> {
     char const* Interface_GetTypeName() const override { return kText; }
     bool Interface_Deserialize(IJSON const* json, IContext* context) override {
-        return Note("Deserialize", this, json, context), true;
+        return json == kJSON && context == nullptr;
     }
     IJSON* Interface_Serialize(IContext* context) const override {
-        return Note("Serialize", this, context), kJSON;
+        return context == nullptr ? kJSON : nullptr;
     }
 };
 
 class WithoutContext final : public InterfaceImpl<IUserDefinedType> {
     char const* Interface_GetTypeName() const override { return kText; }
-    bool Interface_Deserialize(IJSON const* json) override {
-        return Note("Deserialize", this, json), true;
-    }
-    IJSON* Interface_Serialize() const override { return Note("Serialize", this), kJSON; }
+    bool Interface_Deserialize(IJSON const* json) override { return json == kJSON; }
+    IJSON* Interface_Serialize() const override { return kJSON; }
 };
 
 TEST(VirtualTable, IUserDefinedTypeOneFormServesTheOther) {
     AutoRefPtr<IUserDefinedType> const with(new WithContext()), without(new WithoutContext());
-    gLog.clear();
     EXPECT_TRUE(with->Interface_Deserialize(kJSON));
     EXPECT_EQ(with->Interface_Serialize(), kJSON);
     EXPECT_FALSE(without->Interface_Deserialize(kJSON, nullptr));
     EXPECT_EQ(without->Interface_Serialize(nullptr), nullptr);
     EXPECT_TRUE(without->Interface_Deserialize(kJSON, kContext));
     EXPECT_EQ(without->Interface_Serialize(kContext), kJSON);
-    std::uint64_t const w = Word(with.get()), wo = Word(without.get());
-    EXPECT_EQ(gLog, (Log{{"Deserialize", {w, Word(kJSON), 0}},
-                         {"Serialize", {w, 0}},
-                         {"Deserialize", {wo, Word(kJSON)}},
-                         {"Serialize", {wo}}}));
 }
-
-#undef TAVREL_WRAPPER
 
 // AssignString hands a string's size to the host as the host's unsigned long. Where that is
 // narrower than a size (64-bit Windows), a string it cannot carry throws std::length_error
@@ -409,7 +391,6 @@ TEST(VirtualTable, AssignStringNeverCutsTheSize) {
     gVariant.AssignString(kText, kLargest);
     if constexpr (sizeof(std::size_t) > sizeof(unsigned long)) {
         EXPECT_THROW(gVariant.AssignString(kText, kLargest + 1), std::length_error);
-        EXPECT_THROW(gVariant.AssignString(kText, std::size_t{5} << 30), std::length_error);
     }
     EXPECT_EQ(gLog, (Log{{"AssignString", {Word(&gVariant), Word(kText), kLargest}}}));
 }
@@ -419,31 +400,22 @@ TEST(VirtualTable, AssignStringNeverCutsTheSize) {
 // A buffer of the module that notes its destruction.
 class Counted final : public Data {
 public:
-    explicit Counted(int& destroyed) : mDestroyed(destroyed) {}
-    ~Counted() override { ++mDestroyed; }
-
-private:
-    int& mDestroyed;
+    ~Counted() override { Note("destroyed", this); }
 };
 
-// A host counts the module's buffers through slots 0 to 2, and the last release destroys. The
-// destructor stands behind IDataRef's nine operations, as two slots in the Itanium ABI: slot 9
-// destroys and leaves the memory, slot 10 destroys and deletes.
+// A host's last release of a module buffer, through slot 1, destroys it (the counting itself is
+// checked by module_tests; slots 0 to 2 by CheckCounting). The destructor stands behind IDataRef's
+// nine operations, as two slots in the Itanium ABI: slot 9 destroys and leaves the memory, slot 10
+// destroys and deletes.
 TEST(VirtualTable, InterfaceImplCountsAndDestroysThroughItsSlots) {
-    int destroyed = 0;
-    IDataRef* const data = new Counted(destroyed);
-    Slot<void() const>::Call(data, 0);
-    EXPECT_EQ(Slot<int() const>::Call(data, 2), 2);
-    EXPECT_FALSE(Slot<bool() const>::Call(data, 1));
-    EXPECT_EQ(destroyed, 0);
-    EXPECT_TRUE(Slot<bool() const>::Call(data, 1));
-    EXPECT_EQ(destroyed, 1);
-
+    gLog.clear();
+    EXPECT_TRUE(Slot<bool() const>::Call(new Counted(), 1));
+    EXPECT_EQ(gLog.size(), 1u);
     alignas(Counted) unsigned char storage[sizeof(Counted)];
-    Slot<void()>::Call(new (storage) Counted(destroyed), 9);
-    EXPECT_EQ(destroyed, 2);
-    Slot<void()>::Call(new Counted(destroyed), 10);
-    EXPECT_EQ(destroyed, 3);
+    Slot<void()>::Call(new (storage) Counted(), 9);
+    EXPECT_EQ(gLog.size(), 2u);
+    Slot<void()>::Call(new Counted(), 10);
+    EXPECT_EQ(gLog.size(), 3u);
 }
 
 }  // namespace

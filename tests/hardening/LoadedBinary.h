@@ -5,6 +5,7 @@
 // the tests do.
 #pragma once
 
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
@@ -13,6 +14,8 @@
 #include <vector>
 
 #include "minihost/host/Context.h"
+#include "minihost/host/FilePolicy.h"
+#include "minihost/host/LiveCount.h"
 #include "minihost/host/MemoryBuffer.h"
 #include "minihost/host/ModuleLoader.h"
 #include "minihost/host/Variant.h"
@@ -20,6 +23,7 @@
 
 namespace tavrel_testing {
 
+// The module, loaded on the first call; a module that does not load aborts.
 inline minihost::LoadedModule& Binary() {
     static std::unique_ptr<minihost::LoadedModule> const module = [] {
         std::string error;
@@ -33,14 +37,10 @@ inline minihost::LoadedModule& Binary() {
     return *module;
 }
 
-// "BinarySize" => tavrel_module_BinarySize; a name that is not an entry aborts.
+// "BinarySize" => tavrel_module_BinarySize, which the module's loader found (it loads only a
+// module that has every entry).
 inline minihost::EntryFunction EntryOf(std::string const& name) {
-    minihost::EntryFunction const entry = Binary().Entry("tavrel_module_" + name);
-    if (entry == nullptr) {
-        (void)std::fprintf(stderr, "no entry tavrel_module_%s\n", name.c_str());
-        std::abort();
-    }
-    return entry;
+    return Binary().Entry("tavrel_module_" + name);
 }
 
 // The argument values of the calls: buffers of the module and of the host (one that hides
@@ -65,16 +65,11 @@ struct CallValues {
         return result;
     }
 
-    // The three buffers that the calls share, and their reference counts now.
-    std::vector<Tavrel::IDataRef*> Buffers() const {
-        return {module.dataPointer(), host.dataPointer(), hidden.dataPointer()};
-    }
-    std::vector<int> Counts() const {
-        std::vector<int> counts;
-        for (Tavrel::IDataRef* const buffer : Buffers()) {
-            counts.push_back(buffer->Interface_GetCount());
-        }
-        return counts;
+    // The reference counts of the policy and of the three buffers that the calls share.
+    std::array<int, 4> Counts() const {
+        return {policy->Interface_GetCount(), module.dataPointer()->Interface_GetCount(),
+                host.dataPointer()->Interface_GetCount(),
+                hidden.dataPointer()->Interface_GetCount()};
     }
 
     TempDir directory;  // of the file, a fresh one for each program run
@@ -83,43 +78,38 @@ struct CallValues {
     Variant file = Variant::String(directory.Write("mapped", kBytes));
     Variant noFile = Variant::String(directory.Path("no such file, long name"));
     Variant three = Variant::Number(3), many = Variant::Number(500), minus = Variant::Number(-1);
+    Tavrel::AutoRefPtr<Tavrel::IPolicy> policy{new minihost::FilePolicy()};  // of the calls
 };
 
 struct EntryCall {
     char const* name;
-    char const* entry;
+    minihost::EntryFunction function;
     std::vector<Tavrel::IVariant*> arguments;
     int reports;  // error reports that the call makes
-    minihost::EntryFunction function = nullptr;
 };
 
 // Every entry once, and each distinct way of reporting once: the missing buffer (with and
 // without a result made before it), the negative range (before and after the result is made),
 // the missing file, and the missing argument of an append, before and after bytes came in.
 inline std::vector<EntryCall> EveryEntryCall(CallValues& v) {
-    std::vector<EntryCall> calls = {
-        {"size of nothing", "BinarySize", {&v.missing}, 1},
-        {"from string", "BinarySetFromString", {&v.text}, 0},
-        {"to buffer", "ToDataRef", {&v.text}, 0},
-        {"to buffer, negative", "ToDataRefPart", {&v.text, &v.minus, &v.many}, 1},
-        {"map a file", "BinaryMapFile", {&v.file}, 0},
-        {"map no file", "BinaryMapFile", {&v.noFile}, 1},
-        {"slice", "BinarySlice", {&v.hidden, &v.three, &v.many}, 0},
-        {"slice nothing", "BinarySlice", {&v.missing, &v.three, &v.three}, 1},
-        {"slice right, negative", "BinarySliceRight", {&v.host, &v.minus}, 1},
-        {"part to string", "BinaryPartToString", {&v.host, &v.three, &v.many}, 0},
-        {"to string of nothing", "BinaryToString", {&v.missing}, 1},
-        {"copy a module buffer", "BinaryCopy", {&v.module}, 0},
-        {"copy part", "BinaryCopyPart", {&v.hidden, &v.three, &v.many}, 0},
-        {"append to a module buffer", "BinaryAppend", {&v.module, &v.hidden}, 0},
-        {"append nothing", "BinaryAppend", {&v.module, &v.missing}, 1},
-        {"append part", "BinaryAppendPart", {&v.module, &v.host, &v.three, &v.many}, 0},
-        {"append part, negative", "BinaryAppendPart", {&v.host, &v.module, &v.minus, &v.three}, 1},
+    return {
+        {"size of nothing", EntryOf("BinarySize"), {&v.missing}, 1},
+        {"from string", EntryOf("BinarySetFromString"), {&v.text}, 0},
+        {"to buffer", EntryOf("ToDataRef"), {&v.text}, 0},
+        {"to buffer, negative", EntryOf("ToDataRefPart"), {&v.text, &v.minus, &v.many}, 1},
+        {"map a file", EntryOf("BinaryMapFile"), {&v.file}, 0},
+        {"map no file", EntryOf("BinaryMapFile"), {&v.noFile}, 1},
+        {"slice", EntryOf("BinarySlice"), {&v.hidden, &v.three, &v.many}, 0},
+        {"slice right, negative", EntryOf("BinarySliceRight"), {&v.host, &v.minus}, 1},
+        {"part to string", EntryOf("BinaryPartToString"), {&v.host, &v.three, &v.many}, 0},
+        {"to string of nothing", EntryOf("BinaryToString"), {&v.missing}, 1},
+        {"copy a module buffer", EntryOf("BinaryCopy"), {&v.module}, 0},
+        {"copy part", EntryOf("BinaryCopyPart"), {&v.hidden, &v.three, &v.many}, 0},
+        {"append to a module buffer", EntryOf("BinaryAppend"), {&v.module, &v.hidden}, 0},
+        {"append nothing", EntryOf("BinaryAppend"), {&v.module, &v.missing}, 1},
+        {"append part", EntryOf("BinaryAppendPart"), {&v.module, &v.host, &v.three, &v.many}, 0},
+        {"append at -1", EntryOf("BinaryAppendPart"), {&v.host, &v.module, &v.minus, &v.three}, 1},
     };
-    for (EntryCall& call : calls) {
-        call.function = EntryOf(call.entry);
-    }
-    return calls;
 }
 
 // One call of the table with a fresh context on `policy`, counting its reports into `reports`;

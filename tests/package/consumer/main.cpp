@@ -10,7 +10,6 @@
 #include "object/Data.h"
 #include "path/FSPath.h"
 #include "strings/Case.h"
-#include "strings/Search.h"
 
 namespace {
 
@@ -29,8 +28,6 @@ int main() {
            "path: FSPath::CorrectAbsolutePath");
 
     Expect(Tavrel::ToUpper(std::string_view("tavrel")) == "TAVREL", "strings: ToUpper");
-    Expect(Tavrel::FindCaseInsensitive("Binary Module", "MODULE") == 7,
-           "strings: FindCaseInsensitive");
 
     Tavrel::AutoRefPtr<Tavrel::Data> data(new Tavrel::Data(std::string_view("hello, world")));
     char bytes[5] = {};
