@@ -335,6 +335,10 @@ TEST_P(OnEachPath, ValidateFaultAtEveryPlace) {
                 std::string text = base;
                 text.replace(place, std::min(fault.size(), text.size() - place), fault);
                 ASSERT_NO_FATAL_FAILURE(ExpectAsReference(text));
+                // NOTE: the same text behind 96 ASCII bytes, so that a kernel that reads
+                // before the text finds clear bytes there rather than whatever the heap holds.
+                std::string const led = std::string(96, 'a') + text;
+                ASSERT_NO_FATAL_FAILURE(ExpectAsReference(std::string_view(led).substr(96)));
                 if (place + 29 < text.size()) {
                     text[place + 29] = '\x80';
                     ASSERT_NO_FATAL_FAILURE(ExpectAsReference(text));
