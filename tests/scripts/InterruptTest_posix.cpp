@@ -1,8 +1,8 @@
 // Ctrl-C during a long read, against the minihost program itself: it copies a 1 GiB sparse
 // file. The first SIGINT, sent inside the copy, must be taken while the copy still runs (not
 // held until one long read ends, where a second would merge with it) and leave the program
-// reading; the second must end it at once, as SIGINT ends a program. /proc shows its progress.
-#include <fcntl.h>
+// reading; the second must end it at once, as SIGINT ends a program (not as an interrupted
+// run, which exits with status 1). /proc shows its progress.
 #include <signal.h>
 #include <unistd.h>
 
@@ -48,14 +48,10 @@ TEST(Interruption, TwoCtrlCDuringOneLongReadEndTheProgram) {
     std::filesystem::resize_file(dir.Write("big.bin", ""), kCopySize);
     std::string const script = dir.Write(
         "copy.tvl", "copy = Binary.Copy(Binary.MapFile(\"big.bin\"))\nprint Size(copy)\n");
-    std::string const output = dir.Path("output");
     pid_t const pid = ::fork();
     if (pid == 0) {
         // NOTE: the lowest priority, so that a busy machine slows the copy more than the test.
         ::setpriority(PRIO_PROCESS, 0, 19);
-        int const fd = ::open(output.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-        ::dup2(fd, STDOUT_FILENO);
-        ::dup2(fd, STDERR_FILENO);
         ::execl(MINIHOST_PROGRAM, "minihost", script.c_str(), nullptr);
         ::_exit(127);
     }
@@ -63,16 +59,6 @@ TEST(Interruption, TwoCtrlCDuringOneLongReadEndTheProgram) {
     int status = -1;
     bool gone = false;
     auto const ended = [&] { return gone || (gone = ::waitpid(pid, &status, WNOHANG) == pid); };
-    struct Ender {
-        decltype(ended) const& isEnded;
-        pid_t pid;
-        ~Ender() {
-            if (!isEnded()) {
-                ::kill(pid, SIGKILL);
-                WaitUntil(isEnded);
-            }
-        }
-    } const ender{ended, pid};
     auto const read = [pid] { return Proc(pid, "io", "rchar"); };
     // More than loading the program and the script reads: the copy has begun.
     EXPECT_TRUE(WaitUntil([&] { return read() >= (4ULL << 20) || ended(); }));
@@ -86,13 +72,17 @@ TEST(Interruption, TwoCtrlCDuringOneLongReadEndTheProgram) {
     // Still reading after the first: taken by the program, which went on with its copy.
     unsigned long long const taken = read();
     EXPECT_TRUE(WaitUntil([&] { return read() >= taken + (16ULL << 20) || ended(); }));
-    ASSERT_FALSE(ended()) << "the first Ctrl-C ended the program";
+    EXPECT_FALSE(ended()) << "the first Ctrl-C ended the program";
     EXPECT_LT(read(), kCopySize) << "the first Ctrl-C was taken only after the whole read";
-    ::kill(pid, SIGINT);
-    ASSERT_TRUE(WaitUntil(ended)) << "the second Ctrl-C did not end the program";
+    if (!ended()) {
+        ::kill(pid, SIGINT);
+        EXPECT_TRUE(WaitUntil(ended)) << "the second Ctrl-C did not end the program";
+    }
+    if (!ended()) {
+        ::kill(pid, SIGKILL);
+        WaitUntil(ended);
+    }
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << "wait status " << status;
-    std::ifstream in(output);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(in), {}), "");
 }
 
 }  // namespace
