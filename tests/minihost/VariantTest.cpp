@@ -53,27 +53,15 @@ TEST(Variant, ReadersGiveTheEmptyValueOfAnotherType) {
 TEST(Variant, DataReferencesBalance) {
     long const liveBefore = MemoryBuffer::LiveCount();
     {
-        AutoRefPtr<IDataRef> buffer(new MemoryBuffer("abc"));
-        Variant v = Variant::DataRef(buffer);
-        IDataRef* raw = v.Interface_GetData();
-        EXPECT_EQ(buffer->Interface_GetCount(), 3) << "ours, the variant's, GetData's";
-        raw->Release();
-        Variant copy = v;
-        copy.Interface_AssignData(buffer.get());
-        EXPECT_EQ(buffer->Interface_GetCount(), 3) << "a copy shares; reassigning keeps one";
-        copy.Interface_AssignString(nullptr, 5);
-        v.Interface_AssignData(nullptr);
-        EXPECT_EQ(buffer->Interface_GetCount(), 1) << "other assignments release";
-        EXPECT_EQ(v.type(), 13u);
-        EXPECT_EQ(copy.string(), "");
-
         Variant only;
+        only.Interface_AssignString(nullptr, 5);
+        EXPECT_EQ(only.string(), "") << "no bytes for a null pointer, whatever the size";
         only.Interface_AssignData(AutoRefPtr<IDataRef>(new MemoryBuffer("only")).get());
         only.Interface_AssignData(only.dataPointer());  // its only reference, assigned again
         ASSERT_NE(only.dataPointer(), nullptr);
         EXPECT_EQ(only.dataPointer()->Interface_GetCount(), 1);
         EXPECT_EQ(only.dataPointer()->GetSize(), 4u);
-        EXPECT_EQ(only.assignments(), 2);
+        EXPECT_EQ(only.assignments(), 3);
     }
     EXPECT_EQ(MemoryBuffer::LiveCount(), liveBefore);
 }
