@@ -34,7 +34,6 @@ public:
         mInterpreter = std::make_unique<Interpreter>(*mReady.module, mReady.table, mContext, mOut,
                                                      mErr, settings);
     }
-    ~Session() { mInterpreter.reset(); }
 
     // Runs source; gives "<status>|<output>|<errors>" and empties the streams.
     std::string Run(std::string const& source) {

@@ -54,13 +54,5 @@ TEST(Options, ReadsTheCommandLine) {
         Read);
 }
 
-TEST(Options, HelpNamesEveryOption) {
-    std::string const help = HelpText();
-    for (char const* option : {"-e, --eval", "--describe", "--module", "--strict", "--allow DIR",
-                               "--allow-all", "--echo", "--full", "-h, --help", "Exit status"}) {
-        EXPECT_NE(help.find(option), std::string::npos) << "row " << option;
-    }
-}
-
 }  // namespace
 }  // namespace minihost

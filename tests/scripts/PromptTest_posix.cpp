@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/wait.h>
+#include <utility>
 #include <vector>
 
 #include "testing/TestFiles.h"
@@ -133,25 +134,20 @@ TEST(Prompt, AnswersAsAPersonTypes) {
 
 TEST(Prompt, KeepsTheHistoryAcrossSessions) {
     TempDir dir;
-    struct Row {
-        std::string stateHome;
-        std::string file;
-    };
-    Row const rows[] = {
-        {dir.Path("state"), dir.Path("state/minihost/history")},
-        {"", dir.Path(".local/state/minihost/history")},  // the fallback under the home
-    };
-    for (Row const& row : rows) {
-        SCOPED_TRACE("row " + row.file);
-        RunSession(dir, row.stateHome, {{"", "tvl> "}, {"x = 42\n", "tvl> "}, {"\x04", ""}});
+    // XDG_STATE_HOME, then the fallback under the home when it is unset.
+    for (auto const& [stateHome, file] :
+         {std::pair(dir.Path("state"), dir.Path("state/minihost/history")),
+          std::pair(std::string(), dir.Path(".local/state/minihost/history"))}) {
+        SCOPED_TRACE("row " + file);
+        RunSession(dir, stateHome, {{"", "tvl> "}, {"x = 42\n", "tvl> "}, {"\x04", ""}});
         // Back twice: the line before this session's first.
-        RunSession(dir, row.stateHome,
+        RunSession(dir, stateHome,
                    {{"", "tvl> "},
                     {"print 7\n", "7"},
                     {"\x10\x10\n", "tvl> "},
                     {"print x\n", "42"},
                     {"exit\n", ""}});
-        EXPECT_TRUE(std::filesystem::is_regular_file(row.file));
+        EXPECT_TRUE(std::filesystem::is_regular_file(file));
     }
 }
 

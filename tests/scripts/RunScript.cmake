@@ -9,11 +9,6 @@
 # stands for @FAKE_FULL@ in the arguments; it and the real path of MODULE (on Windows also as
 # Z:\...) are written back as @FAKE_FULL@ and @MODULE@ in what the program gave.
 cmake_policy(SET CMP0053 NEW)  # "@FAKE_FULL@" stays text, not a variable
-foreach(required MINIHOST CASES CASE WORK)
-  if(NOT DEFINED ${required})
-    message(FATAL_ERROR "RunScript.cmake needs -D${required}=...")
-  endif()
-endforeach()
 
 set(base ${CASES}/${CASE})
 set(arguments ${CASE}.tvl)
