@@ -9,6 +9,8 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "tools"))
 
 from mutation.operators import mutants_of  # noqa: E402
+from mutation import report  # noqa: E402
+from mutation.run import Result  # noqa: E402
 
 # Each source sits inside a function body unless it opens one itself.
 BODY = "void f() {\n%s\n}\n"
@@ -73,6 +75,22 @@ class OperatorTable(unittest.TestCase):
         for source, expected in ROWS:
             with self.subTest(source=source):
                 self.assertEqual(mutated(source), set(expected))
+
+
+class Resume(unittest.TestCase):
+    def test_results_carry_over(self):
+        import tempfile
+        text = BODY % "if (a < b && c) g(1);"
+        ms = mutants_of("x.cpp", text)
+        judged = [Result(ms[0], "killed", ["t1", "t2"], True, 1.5, 2.0),
+                  Result(ms[1], "survived", [], False, 3.0, 4.0)]
+        with tempfile.TemporaryDirectory() as folder:
+            path = Path(folder) / "results.tsv"
+            report.write_results(path, judged)
+            done, left = report.carried_over(ms, path)
+        self.assertEqual([(r.mutant, r.outcome, r.failed_tests, r.timed_out) for r in done],
+                         [(ms[0], "killed", ["t1", "t2"], True), (ms[1], "survived", [], False)])
+        self.assertEqual(left, ms[2:])
 
 
 if __name__ == "__main__":

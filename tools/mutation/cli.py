@@ -32,6 +32,9 @@ def parse(argv):
                         "an earlier run on the same sources) lists as killed")
     p.add_argument("--killed-by", metavar="REGEX",
                    help="with --rerun: only those that a test matching REGEX killed")
+    p.add_argument("--resume", type=Path, metavar="RESULTS",
+                   help="go on with an interrupted run: the sample's mutants that RESULTS (its "
+                        "results.tsv, written after every mutant) judged are taken from it")
     p.add_argument("--list", action="store_true",
                    help="print the sample (and the totals per operator), build nothing")
     p.add_argument("--timeout", type=int, default=0,
@@ -93,6 +96,8 @@ def print_list(population, chosen):
 
 
 def measure(args, ws, commit, population, chosen):
+    carried, chosen = (report.carried_over(chosen, args.resume) if args.resume
+                       else ([], chosen))
     runner = Runner(ws, args.timeout or 60, args.keep_going, args.exclude)
     print(f"building the unmutated copy in {ws.build} and running its tests ...", flush=True)
     try:
@@ -101,13 +106,18 @@ def measure(args, ws, commit, population, chosen):
         sys.exit(str(error))
     runner.timeout = args.timeout or max(60, int(10 * seconds))
     print(f"tests of the unmutated copy: {seconds:.1f} s; time limit per mutant "
-          f"{runner.timeout} s; {len(chosen)} of {len(population)} mutants, seed {args.seed}",
+          f"{runner.timeout} s; {len(chosen)} of {len(population)} mutants, seed {args.seed}" +
+          (f"; {len(carried)} judged before, taken from {args.resume}" if carried else ""),
           flush=True)
-    results = []
+    results = list(carried)
     started = time.monotonic()
+    partial = (args.report or ws.work / "survivors.txt").with_name("results.tsv")
 
     def on_result(done, result):
         results.append(result)
+        # NOTE: rewritten after every mutant, so that a run cut short (a session that ends,
+        # a machine that reboots) goes on with --resume instead of starting again.
+        report.write_results(partial, results)
         tests = ",".join(result.failed_tests[:3]) + (" (time limit)" if result.timed_out else "")
         print(f"[{done}/{len(chosen)}] {result.outcome:12} {report.place(result.mutant)} "
               f"{result.mutant.operator} {result.mutant.change()}  (build "
@@ -126,6 +136,7 @@ def measure(args, ws, commit, population, chosen):
 def finish(args, ws, commit, results, population, elapsed):
     header = [f"tools/mutate --seed {args.seed} --count {args.count}" +
               (f" --rerun {args.rerun}" if args.rerun else "") +
+              (f" --resume {args.resume}" if args.resume else "") +
               (f" --killed-by '{args.killed_by}'" if args.killed_by else "") +
               "".join(f" --path {p}" for p in args.path) +
               "".join(f" --operator {o}" for o in args.operator),

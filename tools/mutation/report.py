@@ -10,7 +10,7 @@ import re
 from collections import Counter
 
 from .operators import OPERATORS
-from .run import KILLED, SURVIVED, NOT_COMPILED, SAME_CODE
+from .run import KILLED, SURVIVED, NOT_COMPILED, SAME_CODE, Result
 
 OUTCOMES = (KILLED, SURVIVED, NOT_COMPILED, SAME_CODE)
 
@@ -59,6 +59,32 @@ def write_results(path, results):
         lines.append(f"{r.outcome}\t{place(r.mutant)}\t{r.mutant.operator}\t{r.mutant.change()}"
                      f"\t{tests}\t{r.build_seconds:.1f}\t{r.test_seconds:.1f}")
     path.write_text("\n".join(lines) + "\n")
+
+
+def read_results(results_file):
+    """The rows of a results.tsv as {(place, change): (outcome, failed tests, timed out, build s,
+    test s)}."""
+    rows = {}
+    for line in results_file.read_text().splitlines()[1:]:
+        outcome, where, _, change, tests, build, test = line.split("\t")[:7]
+        names = [n for n in tests.replace(" (time limit)", "").split(",") if n]
+        rows[(where, change)] = (outcome, names, tests.endswith(" (time limit)"),
+                                 float(build), float(test))
+    return rows
+
+
+def carried_over(chosen, results_file):
+    """The mutants of chosen that results_file already judged, as results, and the others."""
+    rows = read_results(results_file)
+    done, left = [], []
+    for m in chosen:
+        row = rows.get((place(m), m.change()))
+        if row is None:
+            left.append(m)
+        else:
+            outcome, tests, timed_out, build, test = row
+            done.append(Result(m, outcome, tests, timed_out, build, test))
+    return done, left
 
 
 def killed_again(chosen, results_file, killed_by=None):
