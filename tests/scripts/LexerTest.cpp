@@ -89,7 +89,7 @@ TEST(Tokenize, DecodesLiterals) {
             {"\"\"", {TokenKind::kString, "", 0}},
             {"\"\\x00\\\"\\\\\\n\\t\"", {TokenKind::kString, "\0\"\\\n\t"s, 0}},
             {"\"\\r\\0\\01\"", {TokenKind::kString, "\r\0\0"s + "1", 0}},
-            {"\"\\xFF\\xab\"", {TokenKind::kString, "\xff\xab", 0}},
+            {"\"\\xFF\\xAb\\x0A\"", {TokenKind::kString, "\xff\xab\n", 0}},
             {"\"\t raw\xc3\xa9\"", {TokenKind::kString, "\t raw\xc3\xa9", 0}},
             {"-1.5e3", {TokenKind::kNumber, "-1.5e3", -1500}},
             {"+0.25", {TokenKind::kNumber, "+0.25", 0.25}},
@@ -97,7 +97,7 @@ TEST(Tokenize, DecodesLiterals) {
             {"-0", {TokenKind::kNumber, "-0", -0.0}},
             {"007", {TokenKind::kNumber, "007", 7}},
             {"Binary.Append_2", {TokenKind::kName, "Binary.Append_2", 0}},
-            {"_x", {TokenKind::kName, "_x", 0}},
+            {"_xZ", {TokenKind::kName, "_xZ", 0}},
         },
         [](std::string const& source) {
             std::vector<Token> const tokens = Tokenize(source);
