@@ -132,6 +132,8 @@ TEST(Parse, KnowsWhenALineEndsInsideACall) {
         {
             {"print Size(", true},
             {"f(a,", true},
+            {"f(\n", true},
+            {"f(1,;", false},
             {"f(g(\n1,", true},
             {"f( # c", true},
             {"x = 1; f(", true},
