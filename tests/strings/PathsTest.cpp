@@ -205,8 +205,8 @@ TEST_P(OnEachPath, ReplaceAllAgreesWithReference) {
     std::string const dense = Repeat("ab-cd.efg ", 3000);
     std::string const sparse = Repeat("lorem ipsum dolor sit amet ", 1000) + "ab" +
                                Repeat("consectetur adipiscing elit ", 700);
-    for (std::string const& original :
-         {dense + sparse, sparse + dense, sparse + sparse + "ab", Repeat("ab", 2500)}) {
+    for (std::string const& original : {dense + sparse, sparse + dense, sparse + sparse + "ab",
+                                        Repeat("ab", 2500), "ab" + Repeat("0123456789", 40)}) {
         for (std::string const& to : {"xyz"s, ""s, "ba"s, Repeat("0123456789", 40)}) {
             std::string text = original;
             ReplaceAll(text, "ab"s, to);
