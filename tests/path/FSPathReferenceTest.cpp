@@ -95,6 +95,8 @@ TEST(FSPathReference, EveryTextAndEveryPair) {
         EXPECT_EQ(FSPath(path).EraseLeaf(true).GetPathStr(), kept);
         EXPECT_EQ(FSPath(path).EraseLeaf(false).GetPathStr(),
                   cut == npos ? kept : kept.substr(0, cut));
+        EXPECT_EQ(FSPath(path).EraseLeaf().GetPathStr(),
+                  FSPath(path).EraseLeaf(false).GetPathStr());
         erased = path;
         EXPECT_EQ(erased.ReplaceLeaf(erased).GetPathStr(), ref::Joined(kept, a, false));
         // The extension: behind the last dot of the leaf of a text that does not end in a
@@ -164,12 +166,19 @@ TEST(FSPathReference, EveryTextAndEveryPair) {
                     EXPECT_EQ(plain.GetPathStr(), rest(ref::StartsWithUpToNul(a, prefix)));
                     EXPECT_EQ(asPath.GetPathStr(), rest(ref::StartsWithPath(a, prefix, !ignore)));
                 }
+                if (!ignore) {  // the text form trims no separators unless asked to
+                    FSPath byDefault = path;
+                    byDefault.Strip(b);
+                    EXPECT_EQ(byDefault.GetPathStr(),
+                              rest(ref::StartsWithUpToNul(a, ref::Slashed(b))));
+                }
             }
             EXPECT_EQ(path.StartsWith(other), ref::StartsWithUpToNul(a, b));
             EXPECT_EQ(path.StartsWith(std::string_view(b)), ref::StartsWithUpToNul(a, b));
             EXPECT_EQ(path == std::string_view(b), path.IsEqual(b, false, true));
             EXPECT_EQ(path == other, path.IsEqual(other, false, true));
             EXPECT_EQ(path != std::string_view(b), !path.IsEqual(b, false, true));
+            EXPECT_EQ(path != other, !path.IsEqual(other, false, true));
             EXPECT_EQ(path < other, std::lexicographical_compare(
                                         a.begin(), a.end(), b.begin(), b.end(),
                                         [](char x, char y) {
