@@ -38,7 +38,7 @@ TEST(DefinitionText, ParsesEntriesOrSaysWhereItFails) {
              ": m",
              {"CONST_FUNCTION NUMBER Size (DATAREF) : e",
               "FUNCTION DATAREF Binary.MapFile (STRING) : m"}},
-            {" K STRING F () : e", {"K STRING F () : e"}},
+            {"\tK STRING F () :\r\ne", {"K STRING F () : e"}},  // every blank
             {" K STRING F ( NUMBER , STRING ) : e", {"K STRING F (NUMBER,STRING) : e"}},
             {" K NUMBER F (DATAREF) e", {"error: expected ':' at offset 22"}},
             {" K NUMBER F (DATAREF", {"error: expected ')' at offset 20"}},

@@ -41,6 +41,7 @@ TEST(Suggestions, OfferOnlyCloseNamesBestFirst) {
             {"", ""},
         },
         [&known](std::string const& name) { return Joined(ClosestNames(name, known)); });
+    EXPECT_EQ(Joined(ClosestNames("Sie", {"Size", "Sine", "Side", "Site"})), "Size Sine Side");
     EXPECT_EQ(DidYouMean({"A", "B", "C"}), "did you mean 'A', 'B' or 'C'?");
 }
 
