@@ -111,6 +111,7 @@ TEST(NonPrint, AgreesWithReference) {
         ASSERT_EQ(out, ref::WithoutNonPrint(text, true, "[]"));
         RemoveNonPrint(text, out, '?');
         ASSERT_EQ(out, ref::NonPrintReplaced(text, '?'));
+        ASSERT_EQ(out.c_str()[out.size()], '\0') << "nothing written behind the result";
         std::string inPlace[3] = {text, text, text};
         EscapeNonPrint(inPlace[0]);
         RemoveNonPrint(inPlace[1], true, "[]");
