@@ -225,17 +225,27 @@ TEST_P(OnEachPath, ReplaceAllOccurrenceAtEveryPlace) {
                                     "%%",
                                     "<b",
                                     "<b>",
+                                    "<abcd>",
                                     "{{name}}",
                                     "0123456789abcdef0123456789ABCDEF!",
                                     "#" + Repeat("0123456789abcdef", 4).substr(1)};
     for (std::string const& from : patterns) {
         for (std::size_t size = from.size(); size <= 200; size += 1 + size / 40) {
             for (std::size_t place = 0; place + from.size() <= size; ++place) {
-                // Near misses around it: the first and the last byte alone.
+                // Near misses around it: the first and the last byte alone, or (every other
+                // one, for a longer pattern, with nothing else over it) the whole pattern but
+                // for one inner byte.
                 std::string original(size, '.');
-                for (std::size_t k = place % 7; k + from.size() <= size; k += 13) {
+                std::size_t step = 13;
+                for (std::size_t k = place % 7, miss = 0; k + from.size() <= size; k += step) {
+                    bool const whole = from.size() > 2 && ++miss % 2 == 0;
+                    if (whole) {
+                        original.replace(k, from.size(), from);
+                        original[k + 1 + (miss / 2 - 1) % (from.size() - 2)] = '.';
+                    }
                     original[k] = from.front();
                     original[k + from.size() - 1] = from.back();
+                    step = whole ? std::max<std::size_t>(13, from.size()) : 13;
                 }
                 original.replace(place, from.size(), from);
                 for (std::string const& to : {""s, "x"s, from, from + "++"}) {
