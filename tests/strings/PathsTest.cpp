@@ -225,6 +225,7 @@ TEST_P(OnEachPath, ReplaceAllOccurrenceAtEveryPlace) {
                                     "%%",
                                     "<b",
                                     "<b>",
+                                    "<br>",
                                     "<abcd>",
                                     "{{name}}",
                                     "0123456789abcdef0123456789ABCDEF!",
@@ -330,8 +331,8 @@ TEST_P(OnEachPath, ValidateFaultAtEveryPlace) {
         {"Lorem ipsum ", "dolor\n", "sit amet, ", "\xC3\xA9"},
         {"\xD0\xBC\xD0\xB8", "\xE6\x97\xA5", "\xF0\x9F\x98\x80", "\xC3\xA9\xE2\x82\xAC"},
     };
-    std::string const faults[] = {"\x80", "\xFF", "\xC3", "\xE2\x82",        "\xF0\x9F\x98",
-                                  "\x7F", "\x1F", "\n",   "\xF8\x88\x80\x80"};
+    std::string const faults[] = {"\x80", "\xFF", "\xC3", "\xE2\x82",         "\xF0\x9F\x98",
+                                  "\x7F", "\x1F", "\n",   "\xF8\x88\x80\x80", "\xEF\xBF\xBF\x80"};
     for (auto const& unit : units) {
         std::string base;
         for (std::size_t k = 0; base.size() < 300; ++k) {
