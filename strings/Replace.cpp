@@ -296,8 +296,7 @@ private:
 };
 
 // The occurrences in the first kSample bytes from the first one, counted to guess the size of
-// a growing result. A wrong guess costs time, never a wrong
-// result.
+// a growing result. A wrong guess costs time, never a wrong result.
 struct Sample {
     static constexpr std::size_t kSample = 16384;
 

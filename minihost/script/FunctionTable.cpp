@@ -20,6 +20,13 @@ std::string NoForm(std::string_view name, std::size_t count,
            (named.size() == 1 ? "is" : "are") + ":\n" + FunctionTable::ListSignatures(named);
 }
 
+// "no function 'size'; did you mean 'Size'?", given the closest names; none: a pointer to help.
+std::string NoFunction(std::string_view name, std::vector<std::string> const& close) {
+    std::string const question = DidYouMean(close);
+    return "no function '" + std::string(name) + "'" +
+           (question.empty() ? " (help lists the module's functions)" : "; " + question);
+}
+
 bool Fits(Signature const& signature, std::vector<std::string_view> const& typeWords) {
     if (signature.parameters.size() != typeWords.size()) {
         return false;
@@ -69,9 +76,7 @@ std::vector<Signature const*> FunctionTable::Named(std::string_view name) const 
 }
 
 std::string FunctionTable::UnknownFunction(std::string_view name) const {
-    std::string const question = DidYouMean(ClosestNames(name, Names()));
-    return "no function '" + std::string(name) + "'" +
-           (question.empty() ? " (help lists the module's functions)" : "; " + question);
+    return NoFunction(name, ClosestNames(name, Names()));
 }
 
 std::string FunctionTable::UnknownName(std::string_view name, std::size_t count) const {
@@ -81,7 +86,7 @@ std::string FunctionTable::UnknownName(std::string_view name, std::size_t count)
     bool const fits = std::any_of(best.begin(), best.end(), [count](Signature const* signature) {
         return signature->parameters.size() == count;
     });
-    std::string const text = UnknownFunction(name);
+    std::string const text = NoFunction(name, close);
     return best.empty() || fits ? text : text + " But " + NoForm(close.front(), count, best);
 }
 

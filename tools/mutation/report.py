@@ -92,10 +92,6 @@ def killed_again(chosen, results_file, killed_by=None):
     matches the regular expression killed_by when it is given. A mutant is known by its place
     and change, so results_file must come from the same sources."""
     pattern = re.compile(killed_by) if killed_by else None
-    wanted = set()
-    for line in results_file.read_text().splitlines()[1:]:
-        outcome, where, _, change, tests = line.split("\t")[:5]
-        names = tests.replace(" (time limit)", "").split(",")
-        if outcome == KILLED and (pattern is None or any(pattern.search(n) for n in names if n)):
-            wanted.add((where, change))
+    wanted = {key for key, (outcome, tests, *_) in read_results(results_file).items()
+              if outcome == KILLED and (pattern is None or any(pattern.search(n) for n in tests))}
     return [m for m in chosen if (place(m), m.change()) in wanted]
