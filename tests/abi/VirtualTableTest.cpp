@@ -25,9 +25,7 @@
 #include <cstdint>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <limits>
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -379,20 +377,6 @@ TEST(VirtualTable, IUserDefinedTypeOneFormServesTheOther) {
     EXPECT_EQ(without->Interface_Serialize(nullptr), nullptr);
     EXPECT_TRUE(without->Interface_Deserialize(kJSON, kContext));
     EXPECT_EQ(without->Interface_Serialize(kContext), kJSON);
-}
-
-// AssignString hands a string's size to the host as the host's unsigned long. Where that is
-// narrower than a size (64-bit Windows), a string it cannot carry throws std::length_error
-// before the host is called, instead of reaching it cut short.
-TEST(VirtualTable, AssignStringNeverCutsTheSize) {
-    constexpr std::size_t kLargest = std::numeric_limits<unsigned long>::max();
-    gLog.clear();
-    // The bytes are the host's to read; this one reads none.
-    gVariant.AssignString(kText, kLargest);
-    if constexpr (sizeof(std::size_t) > sizeof(unsigned long)) {
-        EXPECT_THROW(gVariant.AssignString(kText, kLargest + 1), std::length_error);
-    }
-    EXPECT_EQ(gLog, (Log{{"AssignString", {Word(&gVariant), Word(kText), kLargest}}}));
 }
 
 // ---- The module's own counted objects ------------------------------------------------------

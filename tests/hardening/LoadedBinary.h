@@ -1,14 +1,9 @@
-// LoadedBinary: the built module, loaded once per test program through minihost's loader
-// (dlopen, as the host loads it), its entries by their short names, and one table of calls
-// that reaches every entry with typical arguments and with arguments that it reports. A
-// module that does not load fails the test program at once. It checks no result itself:
-// the tests do.
+// LoadedBinary: the entries of the module that ModuleHarness loads, by their short names, and
+// one table of calls that reaches every entry with typical arguments and with arguments that
+// it reports. It checks no result itself: the tests do.
 #pragma once
 
 #include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,30 +12,16 @@
 #include "minihost/host/FilePolicy.h"
 #include "minihost/host/LiveCount.h"
 #include "minihost/host/MemoryBuffer.h"
-#include "minihost/host/ModuleLoader.h"
 #include "minihost/host/Variant.h"
 #include "testing/TestFiles.h"
+#include "tests/module/ModuleHarness.h"
 
 namespace tavrel_testing {
-
-// The module, loaded on the first call; a module that does not load aborts.
-inline minihost::LoadedModule& Binary() {
-    static std::unique_ptr<minihost::LoadedModule> const module = [] {
-        std::string error;
-        auto loaded = minihost::LoadedModule::Load(TAVREL_MODULE_PATH, error);
-        if (!loaded) {
-            (void)std::fprintf(stderr, "%s\n", error.c_str());
-            std::abort();
-        }
-        return loaded;
-    }();
-    return *module;
-}
 
 // "BinarySize" => tavrel_module_BinarySize, which the module's loader found (it loads only a
 // module that has every entry).
 inline minihost::EntryFunction EntryOf(std::string const& name) {
-    return Binary().Entry("tavrel_module_" + name);
+    return Module().Entry("tavrel_module_" + name);
 }
 
 // The argument values of the calls: buffers of the module and of the host (one that hides
@@ -57,13 +38,7 @@ struct CallValues {
             Tavrel::AutoRefPtr<Tavrel::IDataRef>(new minihost::MemoryBuffer(kBytes, options)));
     }
     // A module buffer with bytes, made by the module's ToDataRef.
-    static Variant ModuleBuffer() {
-        Variant text = Variant::String(kBytes), result;
-        Tavrel::IVariant* arguments[] = {&text};
-        minihost::Context context{Tavrel::AutoRefPtr<Tavrel::IPolicy>()};
-        EntryOf("ToDataRef")(1, arguments, &result, Binary().Info(), &context);
-        return result;
-    }
+    static Variant ModuleBuffer() { return Variant::DataRef(tavrel_testing::ModuleBuffer(kBytes)); }
 
     // The reference counts of the policy and of the three buffers that the calls share.
     std::array<int, 4> Counts() const {
@@ -119,7 +94,7 @@ inline unsigned int Invoke(EntryCall& call, Tavrel::IVariant& result,
     minihost::Context context{policy};
     context.SetErrorHandler([&reports](minihost::ErrorReport const&) { ++reports; });
     return call.function(static_cast<int>(call.arguments.size()), call.arguments.data(), &result,
-                         Binary().Info(), &context);
+                         Module().Info(), &context);
 }
 
 }  // namespace tavrel_testing

@@ -1,7 +1,7 @@
 // ModuleHarness: drives the built module the way a host does: dlopen through the minihost
 // loader, then entries called with host variants and a context that records every error
 // report. It judges nothing itself (a missing entry aside, which fails the test): the tests
-// compare what it gives. It serves the module tests; the hardening tests have LoadedBinary.
+// compare what it gives. It serves the module and hardening tests.
 #pragma once
 
 #include <optional>

@@ -354,19 +354,6 @@ TEST(Binding, StatusWords) {
     }
 }
 
-TEST(Binding, NullResultVariantStillRunsTheOperation) {
-    minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(nullptr));
-    int reports = 0;
-    context.SetErrorHandler([&](minihost::ErrorReport const&) { ++reports; });
-    Variant text = Text("abc");
-    Variant offset = N(-1);
-    Variant count = N(1);
-    EXPECT_EQ(CallEntry("ToDataRefPart", {&text, &offset, &count}, nullptr, &context), 0u);
-    EXPECT_EQ(reports, 1);
-    // A failed binding with a null result stores nothing and does not crash.
-    EXPECT_EQ(CallEntry("ToDataRefPart", {}, nullptr, &context), 65537u);
-}
-
 // A STRING argument that logs which of its readers the binding calls, in order.
 class LoggingText final : public Tavrel::IVariant {
 public:
