@@ -181,7 +181,8 @@ TEST_P(OnEachPath, ReplaceAllNullAndAliasedArguments) {
 
 // Random short and long texts, and long texts whose occurrences are dense in one part and
 // sparse or absent in another, so that the room guessed for a growing result from its start
-// is too small or too large, and long stretches between occurrences go into the result at once.
+// is too small or too large, long stretches between occurrences go into the result at once,
+// and a lone occurrence stands at the start or behind a stretch longer than four blocks.
 TEST_P(OnEachPath, ReplaceAllAgreesWithReference) {
     RandomText random(11);
     for (int round = 0; round < 4000; ++round) {
@@ -203,9 +204,10 @@ TEST_P(OnEachPath, ReplaceAllAgreesWithReference) {
     std::string const dense = Repeat("ab-cd.efg ", 3000);
     std::string const sparse = Repeat("lorem ipsum dolor sit amet ", 1000) + "ab" +
                                Repeat("consectetur adipiscing elit ", 700);
-    for (std::string const& original : {dense + sparse, sparse + dense, sparse + sparse + "ab",
-                                        Repeat("ab", 2500), "ab" + Repeat("0123456789", 40)}) {
-        for (std::string const& to : {"xyz"s, ""s, "ba"s, Repeat("0123456789", 40)}) {
+    for (std::string const& original :
+         {dense + sparse, sparse + dense, sparse + sparse + "ab", Repeat("ab", 2500),
+          "ab" + Repeat("0123456789", 40), Repeat(".", 200) + "ab" + Repeat(".", 400)}) {
+        for (std::string const& to : {"xyz"s, ""s, "ba"s, "x"s, Repeat("0123456789", 40)}) {
             std::string text = original;
             ReplaceAll(text, "ab"s, to);
             ASSERT_EQ(text, ref::ReplaceAll(original, "ab", to)) << "to " << to.size();
