@@ -30,14 +30,14 @@ unsigned int gNextPlace = 0;
 #define FAKE_NAMED(name) FAKE_EXPORT char const* name()
 #define TAVREL_EXPORTED_TEXT(name) \
     FAKE_NAMED(name) { return #name; }
-#define TAVREL_EXPORTED_DEFINITION(name)                                            \
-    FAKE_EXPORT char const* name(void* argument) {                                  \
+#define TAVREL_EXPORTED_DEFINITION(name)                                          \
+    FAKE_EXPORT char const* name(void* argument) {                                \
         return argument == nullptr ? "fake definition" : "argument was not null"; \
     }
-#define TAVREL_EXPORTED_ENTRY(name)                                                       \
-    static unsigned int const kPlaceOf_##name = gNextPlace++;                             \
-    FAKE_EXPORT unsigned int name(int, Tavrel::IVariant**, Tavrel::IVariant*,             \
-                                  Tavrel::IModuleInfo*, Tavrel::IContext*) {              \
-        return kPlaceOf_##name;                                                           \
+#define TAVREL_EXPORTED_ENTRY(name)                                           \
+    static unsigned int const kPlaceOf_##name = gNextPlace++;                 \
+    FAKE_EXPORT unsigned int name(int, Tavrel::IVariant**, Tavrel::IVariant*, \
+                                  Tavrel::IModuleInfo*, Tavrel::IContext*) {  \
+        return kPlaceOf_##name;                                               \
     }
 #include "generated/ExportedNames.def"

@@ -1,10 +1,5 @@
-#include <atomic>
-#include <chrono>
-#include <cstdlib>
 #include <gtest/gtest.h>
-#include <iostream>
 #include <string>
-#include <thread>
 #include <vector>
 
 #if !defined(_WIN32)
@@ -22,37 +17,6 @@ using Tavrel::AutoRefPtr;
 using Tavrel::IDataRef;
 using tavrel_testing::OpenDescriptors;
 using tavrel_testing::TempDir;
-
-// Ends the program when it is not destroyed within the limit: a load that blocks must end the
-// test instead of hanging it.
-// NOTE: the watch polls an atomic flag rather than waiting on a condition variable: a mutex
-// that meets contention keeps a handle for good on Windows (winpthreads makes one, and
-// std::mutex never destroys it), which the count of open handles would take for a leak.
-class BlockingGuard {
-public:
-    explicit BlockingGuard(std::chrono::seconds limit) : mThread([this, limit] { Watch(limit); }) {}
-    ~BlockingGuard() {
-        mDone.store(true);
-        mThread.join();
-    }
-    BlockingGuard(BlockingGuard const&) = delete;
-    BlockingGuard& operator=(BlockingGuard const&) = delete;
-
-private:
-    void Watch(std::chrono::seconds limit) const {
-        auto const deadline = std::chrono::steady_clock::now() + limit;
-        while (!mDone.load()) {
-            if (std::chrono::steady_clock::now() > deadline) {
-                std::cerr << "a load blocked for " << limit.count() << " s" << std::endl;
-                std::_Exit(1);
-            }
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    }
-
-    std::atomic<bool> mDone{false};
-    std::thread mThread;
-};
 
 struct Row {
     std::string name;
@@ -89,7 +53,6 @@ TEST(FilePolicy, GivesABufferForARegularFileOnlyAndNeverBlocks) {
 #endif
     AutoRefPtr<FilePolicy> policy(new FilePolicy());
     auto const loadEveryRow = [&rows, &policy] {
-        BlockingGuard const guard(std::chrono::seconds(5));
         AutoRefPtr<IDataRef> const none(policy->Interface_LoadData(nullptr, nullptr));
         EXPECT_FALSE(none) << "null path";
         for (Row const& row : rows) {

@@ -39,12 +39,29 @@ TEST(MemoryBuffer, ReadClipsToTheEndAndToTheChunk) {
         EXPECT_EQ(destination.substr(0, got), got == 0 ? "" : bytes.substr(row.offset, got));
         EXPECT_EQ(destination[got], '#') << "nothing written past what was delivered";
     }
+    // The faulty Reads that tests ask for, 10 bytes at 0 of 100: what each gives back.
+    struct FaultRow {
+        ReadFault fault;
+        unsigned long long expected;
+    };
+    for (FaultRow const row :
+         {FaultRow{ReadFault::kUnderReport, 0}, FaultRow{ReadFault::kOverClaim, 10},
+          FaultRow{ReadFault::kOverReport, 11}}) {
+        AutoRefPtr<IDataRef> buffer(new MemoryBuffer(Digits(100), {false, 0, row.fault}));
+        std::string destination(10, '#');
+        EXPECT_EQ(buffer->Interface_Read(destination.data(), 10, 0), row.expected);
+    }
+    AutoRefPtr<IDataRef> assigned(new MemoryBuffer("xy"));
+    assigned->Interface_Assign("abc", 3);
+    EXPECT_EQ(std::string(assigned->Interface_GetData(), assigned->Interface_GetSize()), "abc");
 }
 
 TEST(MemoryBuffer, IsEqualComparesBytesWhateverTheOtherSideIs) {
     std::string const big = Digits(8193);
     std::string lastDiffers = big;
     lastDiffers.back() = 'x';
+    std::string firstDiffers = big;
+    firstDiffers.front() = 'x';
     MemoryBufferOptions const hidden{.exposeBytes = false};
     struct Row {
         char const* name;
@@ -56,6 +73,7 @@ TEST(MemoryBuffer, IsEqualComparesBytesWhateverTheOtherSideIs) {
         {"same, hidden", big, new MemoryBuffer(big, hidden), true},
         {"last byte differs, exposed", big, new MemoryBuffer(lastDiffers), false},
         {"last byte differs, hidden", big, new MemoryBuffer(lastDiffers, hidden), false},
+        {"first byte differs, hidden", big, new MemoryBuffer(firstDiffers, hidden), false},
         {"other size", big, new MemoryBuffer(big.substr(1)), false},
         {"both empty", "", new MemoryBuffer("", hidden), true},
         {"other reads short", big, new MemoryBuffer(big, {false, 100}), false},

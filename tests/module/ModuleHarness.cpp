@@ -1,8 +1,8 @@
 #include "tests/module/ModuleHarness.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
+#include <gtest/gtest.h>
+#include <iomanip>
 #include <memory>
 #include <sstream>
 
@@ -37,12 +37,17 @@ unsigned int CallEntry(std::string_view name, std::vector<Tavrel::IVariant*> arg
 }
 
 CallResult Call(std::string_view name, std::vector<minihost::Variant> arguments,
-                std::vector<bool> nullArguments) {
+                std::vector<bool> nullArguments, std::optional<AutoRefPtr<Tavrel::IPolicy>> policy,
+                bool interrupted) {
     CallResult call;
-    minihost::Context context(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new minihost::FilePolicy()));
+    minihost::Context context(
+        policy.value_or(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new minihost::FilePolicy())));
     context.SetErrorHandler([&call](minihost::ErrorReport const& report) {
         call.reports.push_back({report.severity, report.module, report.error, report.reason});
     });
+    if (interrupted) {
+        context.Interrupt();
+    }
     std::vector<Tavrel::IVariant*> pointers;
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         bool const isNull = i < nullArguments.size() && nullArguments[i];
@@ -69,7 +74,7 @@ std::string Shown(minihost::Variant const& result) {
     std::ostringstream shown;
     shown << result.type() << ':';
     if (result.type() == Tavrel::VariantType::kNumber) {
-        shown << result.number();
+        shown << std::setprecision(17) << result.number();
     } else if (result.type() == Tavrel::VariantType::kString) {
         shown << result.string();
     } else if (result.type() == Tavrel::VariantType::kDataRef) {
@@ -82,15 +87,11 @@ Report InvalidUsage(std::string reason) {
     return {2, "Binary", "Error.Tavrel.InvalidUsage", std::move(reason)};
 }
 
-Report InvalidArgument(std::string reason) {
-    return {2, "Binary", "Error.Tavrel.InvalidArgument", std::move(reason)};
-}
-
 std::vector<Report> InvalidArguments(std::string reason) {
     if (reason.empty()) {
         return {};
     }
-    return {InvalidArgument(std::move(reason))};
+    return {{2, "Binary", "Error.Tavrel.InvalidArgument", std::move(reason)}};
 }
 
 }  // namespace tavrel_testing

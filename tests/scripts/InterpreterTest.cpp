@@ -6,6 +6,7 @@
 #include "minihost/host/FilePolicy.h"
 #include "minihost/script/Interpreter.h"
 #include "minihost/script/ModuleSetup.h"
+#include "tests/scripts/Rows.h"
 
 namespace minihost {
 namespace {
@@ -33,7 +34,6 @@ public:
         mInterpreter = std::make_unique<Interpreter>(*mReady.module, mReady.table, mContext, mOut,
                                                      mErr, settings);
     }
-    ~Session() { mInterpreter.reset(); }
 
     // Runs source; gives "<status>|<output>|<errors>" and empties the streams.
     std::string Run(std::string const& source) {
@@ -52,82 +52,53 @@ private:
     std::unique_ptr<Interpreter> mInterpreter;
 };
 
-TEST(Interpreter, AnInterruptedRunStopsAfterTheStatementWithoutAReport) {
-    Session session(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new InterruptingPolicy()));
-    EXPECT_EQ(session.Run("print \"a\"\nprint Binary.MapFile(\"f\")\nprint \"never\""),
+// The prompt shows the value of each expression statement; an interrupted run stops after the
+// statement without a report (at the prompt the word stands below the ^C the terminal shows).
+TEST(Interpreter, ThePromptAndAnInterruptedRun) {
+    Tavrel::AutoRefPtr<Tavrel::IPolicy> const interrupting(new InterruptingPolicy());
+    InterpreterSettings const atPrompt{false, true, false, false};
+    EXPECT_EQ(Session({}, atPrompt).Run("ToDataRef(\"a\", 0, 1); 2; x = 3"),
+              "0|DATAREF(1) \"a\"\n2\n|");
+    EXPECT_EQ(Session(interrupting).Run("print \"a\"\nprint Binary.MapFile(\"f\")\nprint 1"),
               "1|\"a\"\nnull\n|t:2:1: interrupted\n");
-    // At the prompt the word stands on a line of its own, below the ^C that the terminal shows.
-    Session prompt(Tavrel::AutoRefPtr<Tavrel::IPolicy>(new InterruptingPolicy()),
-                   InterpreterSettings{false, true, false, false});
-    EXPECT_EQ(prompt.Run("Binary.MapFile(\"f\")"), "1|null\n|\nt:1:1: interrupted\n");
+    EXPECT_EQ(Session(interrupting, atPrompt).Run("Binary.MapFile(\"f\")"),
+              "1|null\n|\nt:1:1: interrupted\n");
 }
 
-TEST(Interpreter, VariablesLastAcrossRunsButAFaultyRunDefinesNothing) {
+// Rows run in order in one session: variables last across runs, a faulty run defines nothing,
+// and each fault says what to write instead, where it can.
+TEST(Interpreter, VariablesAndFaults) {
     Session session;
-    struct Row {
-        std::string source;
-        std::string result;
-    };
-    // Each row runs in the same session, in order.
-    Row const rows[] = {
-        {"x = ToDataRef(\"ab\")", "0||"},
-        {"print Size(x)", "0|2\n|"},
-        // Names are checked before anything runs, also inside the arguments of a call.
-        {"y = x\nprint Size(z)", "2||t:2:12: unknown variable 'z'\n"},
-        {"print y", "2||t:1:7: unknown variable 'y'\n"},
-        // A failed binding stops the run, but what ran before it stays done.
-        {"y = x\nSize(\"s\")\nz = 1",
-         "2||t:2:1: argument 1 of Size (DATAREF): expected DATAREF, got STRING (status 65538)\n"},
-        {"print y", "0|DATAREF(2) \"ab\"\n|"},
-        {"print z", "2||t:1:7: unknown variable 'z'\n"},
-        {"Size(y)", "0||"},
-    };
-    for (Row const& row : rows) {
-        EXPECT_EQ(session.Run(row.source), row.result) << "row " << row.source;
-    }
-}
-
-TEST(Interpreter, ThePromptShowsTheValueOfEachExpressionStatement) {
-    Session prompt({}, InterpreterSettings{false, true, false, false});
-    EXPECT_EQ(prompt.Run("ToDataRef(\"a\", 0, 1); 2; x = 3"), "0|DATAREF(1) \"a\"\n2\n|");
-}
-
-// Each fault says what to write instead, where it can.
-TEST(Interpreter, FaultsNameWhatWasExpected) {
-    Session session;
-    ASSERT_EQ(session.Run("greeting = ToDataRef(\"hi\")"), "0||");
-    struct Row {
-        std::string source;
-        std::string result;
-    };
-    Row const rows[] = {
-        {"print greting", "2||t:1:7: unknown variable 'greting'; did you mean 'greeting'?\n"},
-        {"quit",
-         "2||t:1:1: unknown variable 'quit'; help, quit and exit are commands of the "
-         "interactive prompt, alone on a line\n"},
-        {"print size(greeting)", "2||t:1:7: no function 'size'; did you mean 'Size'?\n"},
-        {"Slice(greeting, 1)", "2||t:1:1: no function 'Slice'; did you mean 'Binary.Slice'?\n"},
-        {"size(greeting, 1)",
-         "2||t:1:1: no function 'size'; did you mean 'Size'? But no form of 'Size' takes 2 "
-         "arguments; there is:\n  Size (DATAREF)\n"},
-        {"todataref(\"a\")",
-         "2||t:1:1: no function 'todataref'; did you mean 'ToDataRef' or 'Binary.ToDataRef'?\n"},
-        {"Frobnicate()",
-         "2||t:1:1: no function 'Frobnicate' (help lists the module's functions)\n"},
-        {"call tavrel_module_BinarySise(1)",
-         "2||t:1:1: unknown entry 'tavrel_module_BinarySise'; did you mean "
-         "'tavrel_module_BinarySize' or 'tavrel_module_BinarySlice'?\n"},
-        {"Binary.Append(greeting, 2)",
-         "2||t:1:1: argument 2 of Binary.Append (DATAREF,DATAREF): expected DATAREF, got NUMBER "
-         "(status 131074)\n"},
-        {"dump 5", "2||t:1:6: dump shows a DATAREF or a STRING, not NUMBER\n"},
-        {"dump greeting, \"1\"", "2||t:1:16: dump: the offset must be a NUMBER, not STRING\n"},
-        {"dump greeting, 0, -2", "2||t:1:19: dump: the count -2 is negative\n"},
-        {"print 1e999", "2||t:1:7: number out of range: 1e999\n"},
-    };
-    for (Row const& row : rows) {
-        EXPECT_EQ(session.Run(row.source), row.result) << "row " << row.source;
-    }
+    rows::Expect<std::string, std::string>(
+        {
+            {"x = ToDataRef(\"ab\")", "0||"},
+            {"print Size(x)", "0|2\n|"},
+            // Names are checked before anything runs, also inside the arguments of a call.
+            {"y = x\nprint Size(z)", "2||t:2:12: unknown variable 'z'\n"},
+            {"print y", "2||t:1:7: unknown variable 'y'\n"},
+            // A failed binding stops the run, but what ran before it stays done.
+            {"y = x\nSize(\"s\")\nz = 1",
+             "2||t:2:1: argument 1 of Size (DATAREF): expected DATAREF, got STRING (status "
+             "65538)\n"},
+            {"print y", "0|DATAREF(2) \"ab\"\n|"},
+            {"print z", "2||t:1:7: unknown variable 'z'\n"},
+            {"Size(y)", "0||"},
+            {"greeting = y", "0||"},
+            {"print greting", "2||t:1:7: unknown variable 'greting'; did you mean 'greeting'?\n"},
+            {"quit",
+             "2||t:1:1: unknown variable 'quit'; help, quit and exit are commands of the "
+             "interactive prompt, alone on a line\n"},
+            {"size(greeting, 1)",
+             "2||t:1:1: no function 'size'; did you mean 'Size'? But no form of 'Size' takes 2 "
+             "arguments; there is:\n  Size (DATAREF)\n"},
+            {"call tavrel_module_BinarySise(1)",
+             "2||t:1:1: unknown entry 'tavrel_module_BinarySise'; did you mean "
+             "'tavrel_module_BinarySize' or 'tavrel_module_BinarySlice'?\n"},
+            {"dump 5", "2||t:1:6: dump shows a DATAREF or a STRING, not NUMBER\n"},
+            {"dump greeting, \"1\"", "2||t:1:16: dump: the offset must be a NUMBER, not STRING\n"},
+            {"dump greeting, 0, -2", "2||t:1:19: dump: the count -2 is negative\n"},
+        },
+        [&session](std::string const& source) { return session.Run(source); });
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
-#include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "minihost/script/Lexer.h"
 #include "minihost/script/Parser.h"
-#include "minihost/script/ValuePrinter.h"
+#include "tests/scripts/Rows.h"
 
 namespace minihost {
 namespace {
@@ -22,62 +22,6 @@ std::string ParseFault(std::string const& source) {
     }
 }
 
-TEST(Parse, MalformedScriptsGiveOneMessageWithLineAndColumn) {
-    struct Row {
-        std::string source;
-        std::string fault;
-    };
-    Row const rows[] = {
-        {"x = \"abc", "1:5: unterminated string"},
-        {"x = \"ab\nc\"", "1:5: unterminated string"},
-        {"x = \"ab\\", "1:5: unterminated string"},
-        {"\n  print \"a\\qb\"", "2:11: bad escape '\\q'"},
-        {"print \"\\x4\"", "1:8: bad escape '\\x4': \\x takes two hex digits"},
-        {"print \"\\xg0\"", "1:8: bad escape '\\x': \\x takes two hex digits"},
-        {"print \"\\x", "1:8: bad escape '\\x': \\x takes two hex digits"},
-        {"print -x", "1:7: malformed number"},
-        {"print 1.", "1:7: malformed number"},
-        {"print 2e", "1:7: malformed number"},
-        {"print 1e999", "1:7: number out of range: 1e999"},
-        {"\xEF\xBB\xBFprint @", "1:7: unexpected character '@'"},
-        {"print \"\\1\"", "1:8: bad escape '\\1'"},
-        {"print Binary.", "1:7: malformed name 'Binary.'"},
-        {"print @", "1:7: unexpected character '@'"},
-        {"print \0"s, "1:7: unexpected character '\\x00'"},
-        {"print Size(x", "1:13: expected ',' or ')' but found end of script"},
-        {"print Size(x\n)", "1:13: expected ',' or ')' but found end of line"},
-        {"print Size(x y)", "1:14: expected ',' or ')' but found name 'y'"},
-        {"print Size(,)", "1:12: expected an expression but found ','"},
-        {"x = ", "1:5: expected an expression but found end of script"},
-        {"print", "1:6: expected an expression but found end of script"},
-        {"x y", "1:3: expected end of line but found name 'y'"},
-        {"x = 1 2", "1:7: expected end of line but found number 2"},
-        {"a.b = 1", "1:1: a variable name has no dots: 'a.b'"},
-        {"print = 1", "1:1: 'print' is reserved"},
-        {"call = 1", "1:1: 'call' is reserved"},
-        {"x = print", "1:5: 'print' is reserved"},
-        {"call 5", "1:6: expected the name of an entry after 'call' but found number 5"},
-        {"call f", "1:7: expected '(' but found end of script"},
-        {"print Binary.Size", "1:18: expected '(' after the function name but found end of script"},
-        {"print \"a\"; )", "1:12: expected an expression but found ')'"},
-        {"x = 1 \xEF\xBB\xBF", "1:7: unexpected character '\\xef'"},
-        {"dump d, 1, 2, 3", "1:13: expected end of line but found ','"},
-        {"dump = 1", "1:1: 'dump' is reserved"},
-        // Accepted.
-        {"", ""},
-        {"# only a comment\n\n;;", ""},
-        {"x = 1; print x # and a comment", ""},
-        {"print F(\n  1,\n  \"a\")", ""},
-        {"print F(\n)", ""},
-        {"call e(1, x, \"s\")", ""},
-        {"dump d; dump d, 1; dump F(d), x, 2", ""},
-        {"Size = 1\nprint Size(Size)", ""},
-    };
-    for (Row const& row : rows) {
-        EXPECT_EQ(ParseFault(row.source), row.fault) << "row " << row.source;
-    }
-}
-
 // n calls, each the argument of the one before.
 std::string Nested(int n) {
     std::string source = "print ";
@@ -87,98 +31,80 @@ std::string Nested(int n) {
     return source + "1" + std::string(static_cast<std::size_t>(n), ')');
 }
 
-TEST(Parse, LimitsTheNestingOfCalls) {
-    EXPECT_EQ(ParseFault(Nested(256)), "");
-    EXPECT_EQ(ParseFault(Nested(257)), "1:519: calls nested more than 256 deep");
-    EXPECT_EQ(ParseFault(Nested(100000)), "1:519: calls nested more than 256 deep");
+TEST(Parse, MalformedScriptsGiveOneMessageWithLineAndColumn) {
+    rows::Expect<std::string, std::string>(
+        {
+            {"x = \"abc", "1:5: unterminated string"},
+            {"x = \"ab\nc\"", "1:5: unterminated string"},
+            {"x = \"ab\\", "1:5: unterminated string"},
+            {"\n  print \"a\\qb\"", "2:11: bad escape '\\q'"},
+            {"print \"\\x4\"", "1:8: bad escape '\\x4': \\x takes two hex digits"},
+            {"print \"\\xg0\"", "1:8: bad escape '\\x': \\x takes two hex digits"},
+            {"print \"\\x", "1:8: bad escape '\\x': \\x takes two hex digits"},
+            {"print -x", "1:7: malformed number"},
+            {"print 1.", "1:7: malformed number"},
+            {"print 2e", "1:7: malformed number"},
+            {"print 1e999", "1:7: number out of range: 1e999"},
+            {"\xEF\xBB\xBFprint @", "1:7: unexpected character '@'"},
+            {"print \"\\1\"", "1:8: bad escape '\\1'"},
+            {"print Binary.", "1:7: malformed name 'Binary.'"},
+            {"print \0"s, "1:7: unexpected character '\\x00'"},
+            {"print Size(x", "1:13: expected ',' or ')' but found end of script"},
+            {"print Size(x\n)", "1:13: expected ',' or ')' but found end of line"},
+            {"print Size(x y)", "1:14: expected ',' or ')' but found name 'y'"},
+            {"print Size(,)", "1:12: expected an expression but found ','"},
+            {"x = ", "1:5: expected an expression but found end of script"},
+            {"x =\t1 2", "1:7: expected end of line but found number 2"},  // a tab is one column
+            {"a.b = 1", "1:1: a variable name has no dots: 'a.b'"},
+            {"print = 1", "1:1: 'print' is reserved"},
+            {"x = print", "1:5: 'print' is reserved"},
+            {"call 5", "1:6: expected the name of an entry after 'call' but found number 5"},
+            {"call f", "1:7: expected '(' but found end of script"},
+            {"print Binary.Size",
+             "1:18: expected '(' after the function name but found end of script"},
+            {"print \"a\"; )", "1:12: expected an expression but found ')'"},
+            {"x = 1 \xEF\xBB\xBF", "1:7: unexpected character '\\xef'"},
+            {"dump d, 1, 2, 3", "1:13: expected end of line but found ','"},
+            {Nested(257), "1:519: calls nested more than 256 deep"},
+            {Nested(100000), "1:519: calls nested more than 256 deep"},
+            // Accepted.
+            {"", ""},
+            {"# only a comment\n\n;;", ""},
+            {"x = 1; print x # and a comment", ""},
+            {"print F(\n  1,\n  \"a\")", ""},
+            {"print F(\n)", ""},
+            {"call e(1, x, \"s\")", ""},
+            {"dump d; dump d, 1; dump F(d), x, 2", ""},
+            {"Size = 1\nprint Size(Size)", ""},
+            {Nested(256), ""},
+        },
+        ParseFault);
 }
 
+// The one token before the end: its kind, its decoded text and its number.
 TEST(Tokenize, DecodesLiterals) {
-    struct Row {
-        std::string source;
-        TokenKind kind;
-        std::string text;
-        double number;
-    };
-    Row const rows[] = {
-        {"\"\"", TokenKind::kString, "", 0},
-        {"\"\\x00\\\"\\\\\\n\\t\"", TokenKind::kString, "\0\"\\\n\t"s, 0},
-        {"\"\\r\\0\\01\"", TokenKind::kString, "\r\0\0"s + "1", 0},
-        {"\xEF\xBB\xBF\"a\"", TokenKind::kString, "a", 0},
-        {"\"\\xFF\\xab\"", TokenKind::kString, "\xff\xab", 0},
-        {"\"\t raw\xc3\xa9\"", TokenKind::kString, "\t raw\xc3\xa9", 0},
-        {"-1.5e3", TokenKind::kNumber, "-1.5e3", -1500},
-        {"+0.25", TokenKind::kNumber, "+0.25", 0.25},
-        {"2.5E-3", TokenKind::kNumber, "2.5E-3", 0.0025},
-        {"-0", TokenKind::kNumber, "-0", -0.0},
-        {"007", TokenKind::kNumber, "007", 7},
-        {"Binary.Append_2", TokenKind::kName, "Binary.Append_2", 0},
-        {"_x", TokenKind::kName, "_x", 0},
-    };
-    for (Row const& row : rows) {
-        SCOPED_TRACE("row " + row.source);
-        std::vector<Token> const tokens = Tokenize(row.source);
-        ASSERT_EQ(tokens.size(), 2u);
-        EXPECT_EQ(tokens[0].kind, row.kind);
-        EXPECT_EQ(tokens[0].text, row.text);
-        EXPECT_EQ(tokens[0].number, row.number);
-        EXPECT_EQ(tokens[1].kind, TokenKind::kEnd);
-    }
-}
-
-TEST(Tokenize, CountsLinesAndColumnsFromTheFirstLine) {
-    std::vector<Token> const tokens = Tokenize("a =\t\"x\" # c\n  f(", 7);
-    std::vector<std::pair<int, int>> places;
-    places.reserve(tokens.size());
-    for (Token const& token : tokens) {
-        places.emplace_back(token.position.line, token.position.column);
-    }
-    std::vector<std::pair<int, int>> const expected{{7, 1}, {7, 3}, {7, 5}, {7, 12},
-                                                    {8, 3}, {8, 4}, {8, 5}};
-    EXPECT_EQ(places, expected);
-}
-
-// Random bytes, many of them special to the lexer.
-std::string RandomBytes(std::mt19937& random, std::size_t maxLength) {
-    static std::string const kAlphabet = "\"\\x0aF(),=;#\n\t .-+e9z\0\xff"s;
-    std::string bytes(random() % (maxLength + 1), '\0');
-    for (char& byte : bytes) {
-        byte = random() % 4 == 0 ? static_cast<char>(random() % 256)
-                                 : kAlphabet[random() % kAlphabet.size()];
-    }
-    return bytes;
-}
-
-TEST(Tokenize, ReadsBackEveryStringThatPrintShows) {
-    // A fixed seed, so that a failure repeats.
-    std::mt19937 random(17);  // NOLINT(cert-msc32-c,cert-msc51-cpp)
-    for (int round = 0; round < 2000; ++round) {
-        std::string const bytes = RandomBytes(random, 24);
-        std::vector<Token> const tokens = Tokenize(QuoteBytes(bytes));
-        ASSERT_EQ(tokens.size(), 2u);
-        ASSERT_EQ(tokens[0].kind, TokenKind::kString);
-        ASSERT_EQ(tokens[0].text, bytes) << "round " << round;
-    }
-}
-
-TEST(Parse, AnyTextIsAcceptedOrRefusedWithAPlaceInsideIt) {
-    // A fixed seed, so that a failure repeats.
-    std::mt19937 random(29);  // NOLINT(cert-msc32-c,cert-msc51-cpp)
-    for (int round = 0; round < 5000; ++round) {
-        std::string const source = RandomBytes(random, 40);
-        try {
-            Parse(source);
-        } catch (ScriptError const& error) {
-            int lines = 1;
-            for (char c : source) {
-                lines += c == '\n' ? 1 : 0;
-            }
-            EXPECT_GE(error.position().line, 1);
-            EXPECT_LE(error.position().line, lines) << "round " << round;
-            EXPECT_GE(error.position().column, 1);
-            EXPECT_LE(error.position().column, static_cast<int>(source.size()) + 1);
-        }
-    }
+    using Token1 = std::tuple<TokenKind, std::string, double>;
+    rows::Expect<std::string, Token1>(
+        {
+            {"\"\"", {TokenKind::kString, "", 0}},
+            {"\"\\x00\\\"\\\\\\n\\t\"", {TokenKind::kString, "\0\"\\\n\t"s, 0}},
+            {"\"\\r\\0\\01\"", {TokenKind::kString, "\r\0\0"s + "1", 0}},
+            {"\"\\xFF\\xAb\\x0A\"", {TokenKind::kString, "\xff\xab\n", 0}},
+            {"\"\t raw\xc3\xa9\"", {TokenKind::kString, "\t raw\xc3\xa9", 0}},
+            {"-1.5e3", {TokenKind::kNumber, "-1.5e3", -1500}},
+            {"+0.25", {TokenKind::kNumber, "+0.25", 0.25}},
+            {"2.5E-3", {TokenKind::kNumber, "2.5E-3", 0.0025}},
+            {"-0", {TokenKind::kNumber, "-0", -0.0}},
+            {"007", {TokenKind::kNumber, "007", 7}},
+            {"Binary.Append_2", {TokenKind::kName, "Binary.Append_2", 0}},
+            {"_xZ", {TokenKind::kName, "_xZ", 0}},
+        },
+        [](std::string const& source) {
+            std::vector<Token> const tokens = Tokenize(source);
+            return tokens.size() == 2
+                       ? Token1{tokens[0].kind, tokens[0].text, tokens[0].number}
+                       : Token1{TokenKind::kEnd, "tokens: " + std::to_string(tokens.size()), 0};
+        });
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "minihost/script/Options.h"
+#include "tests/scripts/Rows.h"
 
 namespace minihost {
 namespace {
@@ -22,8 +23,6 @@ std::string Read(std::vector<char const*> arguments) {
     text += " module=" + options.module;
     text += options.strict ? " strict" : "";
     text += options.allowAll ? " allow-all" : "";
-    text += options.echo ? " echo" : "";
-    text += options.full ? " full" : "";
     for (std::string const& directory : options.allow) {
         text += " allow=" + directory;
     }
@@ -31,53 +30,28 @@ std::string Read(std::vector<char const*> arguments) {
 }
 
 TEST(Options, ReadsTheCommandLine) {
-    struct Row {
-        std::vector<char const*> arguments;
-        std::string expected;
-    };
-    Row const rows[] = {
-        {{}, "stdin path= eval= module="},
-        {{"t.tvl"}, "script path=t.tvl eval= module="},
-        {{"-"}, "script path=- eval= module="},
-        {{"-e", "print 1"}, "eval path= eval=print 1 module="},
-        {{"--eval=x = 1"}, "eval path= eval=x = 1 module="},
-        {{"--describe", "--module", "m.so"}, "describe path= eval= module=m.so"},
-        {{"--module=m.so", "--describe", "t.tvl"}, "describe path=t.tvl eval= module=m.so"},
-        {{"t.tvl", "--help", "--bogus-after-help-is-still-read"},
-         "error: unknown option '--bogus-after-help-is-still-read'"},
-        {{"--help", "t.tvl"}, "help path=t.tvl eval= module="},
-        {{"--describe", "-e", "x"}, "describe path= eval=x module="},
-        {{"--strict", "--allow", "a", "--allow=b", "--allow-all", "t.tvl"},
-         "script path=t.tvl eval= module= strict allow-all allow=a allow=b"},
-        {{"--", "--strict"}, "script path=--strict eval= module="},
-        {{"--echo", "--full", "t.tvl"}, "script path=t.tvl eval= module= echo full"},
-        {{"--echo=1"}, "error: option '--echo' takes no value"},
-        {{"-x"}, "error: unknown option '-x'"},
-        {{"--module"}, "error: option '--module' needs a value"},
-        {{"--allow"}, "error: option '--allow' needs a value"},
-        {{"-e"}, "error: option '-e' needs a value"},
-        {{"--strict=1"}, "error: option '--strict' takes no value"},
-        {{"--describe=yes"}, "error: option '--describe' takes no value"},
-        {{"a.tvl", "b.tvl"}, "error: more than one script: 'b.tvl'"},
-        {{"-e", "x", "a.tvl"}, "error: more than one script: 'a.tvl'"},
-        {{"a.tvl", "-e", "x"}, "error: more than one script: '-e'"},
-        {{"-e", "x", "--eval=y"}, "error: more than one script: '-e'"},
-    };
-    for (Row const& row : rows) {
-        std::string trace = "row";
-        for (char const* argument : row.arguments) {
-            trace += std::string(" ") + argument;
-        }
-        EXPECT_EQ(Read(row.arguments), row.expected) << trace;
-    }
-}
-
-TEST(Options, HelpNamesEveryOption) {
-    std::string const help = HelpText();
-    for (char const* option : {"-e, --eval", "--describe", "--module", "--strict", "--allow DIR",
-                               "--allow-all", "--echo", "--full", "-h, --help", "Exit status"}) {
-        EXPECT_NE(help.find(option), std::string::npos) << "row " << option;
-    }
+    rows::Expect<std::vector<char const*>, std::string>(
+        {
+            // The plain forms are the script cases': stdin, eval, echo, strict, sandbox_allow.
+            {{"-"}, "script path=- eval= module="},
+            {{"--eval=x = 1"}, "eval path= eval=x = 1 module="},
+            {{"--describe", "--module", "m.so"}, "describe path= eval= module=m.so"},
+            {{"--module=m.so", "--describe", "t.tvl"}, "describe path=t.tvl eval= module=m.so"},
+            {{"t.tvl", "--help", "--bogus-after-help-is-still-read"},
+             "error: unknown option '--bogus-after-help-is-still-read'"},
+            {{"--help", "t.tvl"}, "help path=t.tvl eval= module="},
+            {{"--describe", "-e", "x"}, "describe path= eval=x module="},
+            {{"--strict", "--allow", "a", "--allow=b", "--allow-all", "t.tvl"},
+             "script path=t.tvl eval= module= strict allow-all allow=a allow=b"},
+            {{"--", "--strict"}, "script path=--strict eval= module="},
+            {{"-x"}, "error: unknown option '-x'"},
+            {{"--module"}, "error: option '--module' needs a value"},
+            {{"--strict=1"}, "error: option '--strict' takes no value"},
+            {{"a.tvl", "b.tvl"}, "error: more than one script: 'b.tvl'"},
+            {{"-e", "x", "a.tvl"}, "error: more than one script: 'a.tvl'"},
+            {{"a.tvl", "-e", "x"}, "error: more than one script: '-e'"},
+        },
+        Read);
 }
 
 }  // namespace

@@ -1,40 +1,36 @@
 # Runs one script case through minihost and compares its standard output, standard error and
-# exit status with the files beside it: <case>.out, <case>.err, <case>.status. The command
-# line is "minihost <case>.tvl", or the lines of <case>.args (one argument per line) when that
-# file exists; standard input is <case>.in when it exists, else empty. The program runs in the
-# cases directory, so messages name files as the case wrote them.
-#   cmake -DMINIHOST=<program> -DCASES=<dir> -DCASE=<name> -DWORK=<dir> -P RunScript.cmake
-# -DEMULATOR=<program> runs minihost through it (wine, when cross-compiling for Windows).
-# -DPLATFORM=<name> (linux, windows) prefers <case>.<name>.out (.err, .status) to <case>.out
-# where that file exists: for text that the system gives, such as the loader's words.
-# -DFAKE_PARTIAL=<path> and -DFAKE_FULL=<path> stand for @FAKE_PARTIAL@ and @FAKE_FULL@ in the
-# arguments, and the paths are written back as those names in what the program gave.
-# -DMODULE=<path> names the module that minihost finds by itself; its real path (and on Windows
-# that path as the system spells it there, Z:\...) is written back as @MODULE@.
-# With -DUPDATE=ON it writes what the program gave into the expected files instead.
-foreach(required MINIHOST CASES CASE WORK)
-  if(NOT DEFINED ${required})
-    message(FATAL_ERROR "RunScript.cmake needs -D${required}=...")
-  endif()
-endforeach()
+# exit status with <case>.out, .err and .status. The command line is "minihost <case>.tvl", or
+# the lines of <case>.args; standard input is <case>.in, else empty. It runs in the cases
+# directory, so messages name files as the case wrote them.
+#   cmake -DMINIHOST=<program> -DCASES=<dir> -DCASE=<name> -DWORK=<dir> [-DUPDATE=ON] -P RunScript.cmake
+# UPDATE=ON writes what the program gave into the expected files (then read the diff).
+# EMULATOR runs minihost through it (wine); PLATFORM (linux, windows) prefers
+# <case>.<platform>.<stream> where that file exists, for the system's own words. FAKE_FULL
+# stands for @FAKE_FULL@ in the arguments; it and the real path of MODULE (on Windows also as
+# Z:\...) are written back as @FAKE_FULL@ and @MODULE@ in what the program gave.
+cmake_policy(SET CMP0053 NEW)  # "@FAKE_FULL@" stays text, not a variable
 
 set(base ${CASES}/${CASE})
+set(arguments ${CASE}.tvl)
 if(EXISTS ${base}.args)
   file(STRINGS ${base}.args arguments)
-else()
-  set(arguments ${CASE}.tvl)
 endif()
-foreach(placeholder FAKE_PARTIAL FAKE_FULL)
-  if(DEFINED ${placeholder})
-    list(TRANSFORM arguments REPLACE "@${placeholder}@" "${${placeholder}}")
-  endif()
-endforeach()
 # NOTE: an empty file of our own, not /dev/null: some containers make /dev/null a regular file
 # that collects whatever was written to it.
 set(input ${WORK}/${CASE}.empty.in)
 file(WRITE ${input} "")
 if(EXISTS ${base}.in)
   set(input ${base}.in)
+endif()
+set(spellings "")
+if(DEFINED FAKE_FULL)
+  list(TRANSFORM arguments REPLACE "@FAKE_FULL@" "${FAKE_FULL}")
+  list(APPEND spellings "${FAKE_FULL}=FAKE_FULL")
+endif()
+if(DEFINED MODULE)
+  file(REAL_PATH "${MODULE}" module_real)
+  string(REPLACE "/" "\\" module_windows "Z:${module_real}")
+  list(APPEND spellings "${module_real}=MODULE" "${module_windows}=MODULE")
 endif()
 
 execute_process(COMMAND ${EMULATOR} ${MINIHOST} ${arguments}
@@ -44,20 +40,6 @@ execute_process(COMMAND ${EMULATOR} ${MINIHOST} ${arguments}
   ERROR_VARIABLE actual_err
   RESULT_VARIABLE actual_status)
 set(actual_status "${actual_status}\n")
-set(spellings "")
-foreach(placeholder FAKE_PARTIAL FAKE_FULL)
-  if(DEFINED ${placeholder})
-    list(APPEND spellings "${${placeholder}}=${placeholder}")
-  endif()
-endforeach()
-if(DEFINED MODULE)
-  file(REAL_PATH "${MODULE}" module_real)
-  list(APPEND spellings "${module_real}=MODULE")
-  if(PLATFORM STREQUAL "windows")
-    string(REPLACE "/" "\\" module_windows "Z:${module_real}")
-    list(APPEND spellings "${module_windows}=MODULE")
-  endif()
-endif()
 foreach(spelling ${spellings})
   string(REGEX REPLACE "=[A-Z_]+$" "" path "${spelling}")
   string(REGEX REPLACE "^.*=" "" placeholder "${spelling}")

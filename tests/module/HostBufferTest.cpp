@@ -1,24 +1,23 @@
-// Sizes and offsets past 4 GiB, on a host buffer that claims 5 GiB and makes each byte from
-// its position instead of holding it: every size, offset and count travels in a type as wide
-// as the data, on every platform (a 32-bit unsigned long would cut 5 GiB + 10 to 1 GiB + 10
-// and read from the wrong place).
+// Host buffers larger than 4 GiB. (Host buffers whose Read breaks its word: every road reads
+// through AppendFromRead, whose tests in tests/object hold every kind of broken Read; the
+// operations tests check that each road reads a host buffer once at most, never by GetData.)
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "host/VariantType.h"
 #include "minihost/host/Context.h"
 #include "minihost/host/Variant.h"
 #include "object/InterfaceImpl.h"
 #include "tests/module/ModuleHarness.h"
 
+namespace tavrel_testing {
 namespace {
 
-using minihost::Variant;
-using Tavrel::AutoRefPtr;
-using Tavrel::IDataRef;
-
+// Sizes and offsets past 4 GiB, on a host buffer that claims 5 GiB and makes each byte from
+// its position instead of holding it: every size, offset and count travels in a type as wide
+// as the data, on every platform (a 32-bit unsigned long would cut 5 GiB + 10 to 1 GiB + 10
+// and read from the wrong place).
 constexpr unsigned long long kGiB = 1ULL << 30;
 constexpr unsigned long long kHugeSize = 5 * kGiB + 10;
 
@@ -27,8 +26,8 @@ char ByteAt(unsigned long long pos) { return static_cast<char>(pos * 7 + (pos >>
 
 std::string BytesAt(unsigned long long pos, unsigned long long count) {
     std::string bytes;
-    for (unsigned long long i = 0; i < count; ++i) {
-        bytes += ByteAt(pos + i);
+    while (bytes.size() < count) {
+        bytes += ByteAt(pos + bytes.size());
     }
     return bytes;
 }
@@ -60,43 +59,27 @@ private:
 
 Variant N(unsigned long long value) { return Variant::Number(static_cast<double>(value)); }
 
-// As tavrel_testing::Shown, with a number in all its digits: "5:5368709130".
-std::string Exactly(Variant const& result) {
-    if (result.type() == Tavrel::VariantType::kNumber) {
-        return "5:" + std::to_string(static_cast<unsigned long long>(result.number()));
-    }
-    return tavrel_testing::Shown(result);
-}
-
 TEST(HugeBuffer, SizesAndRangesPastFourGiB) {
     AutoRefPtr<IDataRef> const huge(new HugeBuffer());
     Variant const hugeValue = Variant::DataRef(huge);
-    Variant const head = Variant::DataRef(tavrel_testing::ModuleBuffer("hd"));
-    struct Row {
-        char const* entry;
-        std::vector<Variant> arguments;
-        std::string expected;  // as Exactly gives it
-    };
+    Variant const head = Variant::DataRef(ModuleBuffer("hd"));
+    // clang-format off
+    struct Row { char const* entry; std::vector<Variant> arguments; std::string shown; };
     Row const rows[] = {
         {"BinarySize", {hugeValue}, "5:5368709130"},
         {"BinaryPartToString", {hugeValue, N(5 * kGiB + 2), N(4)}, "9:" + BytesAt(5 * kGiB + 2, 4)},
-        {"BinarySlice", {hugeValue, N(5 * kGiB + 2), N(100)}, "13:" + BytesAt(5 * kGiB + 2, 8)},
         {"BinarySliceRight", {hugeValue, N(5 * kGiB + 5)}, "13:" + BytesAt(5 * kGiB + 5, 5)},
-        {"BinaryCopyPart", {hugeValue, N(4 * kGiB + 1), N(3)}, "13:" + BytesAt(4 * kGiB + 1, 3)},
         {"BinaryAppendPart", {head, hugeValue, N(4 * kGiB + 7), N(2)},
          "13:hd" + BytesAt(4 * kGiB + 7, 2)},
         {"BinaryPartToString", {hugeValue, N(kHugeSize), N(1)}, "9:"},  // at the end: nothing
     };
+    // clang-format on
     for (Row const& row : rows) {
-        tavrel_testing::CallResult const call = tavrel_testing::Call(row.entry, row.arguments);
+        CallResult const call = Call(row.entry, row.arguments);
         EXPECT_EQ(call.status, 0u) << row.entry;
         EXPECT_TRUE(call.reports.empty()) << row.entry;
-        EXPECT_EQ(Exactly(call.result), row.expected) << row.entry;
+        EXPECT_EQ(Shown(call.result), row.shown) << row.entry;
     }
-    // The whole copy is the buffer's own clone, as large as the original.
-    tavrel_testing::CallResult const copy = tavrel_testing::Call("BinaryCopy", {hugeValue});
-    tavrel_testing::CallResult const size = tavrel_testing::Call("BinarySize", {copy.result});
-    EXPECT_EQ(Exactly(size.result), "5:5368709130");
 }
 
 #if defined(_WIN32)
@@ -110,8 +93,7 @@ TEST(HugeBuffer, StringTooLargeForTheHostThrowsThroughTheEntry) {
     Variant offset = N(0), size = N(4 * kGiB + 1);
     Variant result = Variant::String("earlier");
     minihost::Context context{AutoRefPtr<Tavrel::IPolicy>()};
-    EXPECT_THROW(tavrel_testing::CallEntry("BinaryPartToString", {&hugeValue, &offset, &size},
-                                           &result, &context),
+    EXPECT_THROW(CallEntry("BinaryPartToString", {&hugeValue, &offset, &size}, &result, &context),
                  std::length_error);
     EXPECT_EQ(result.assignments(), 0);
     EXPECT_EQ(result.string(), "earlier");
@@ -120,3 +102,4 @@ TEST(HugeBuffer, StringTooLargeForTheHostThrowsThroughTheEntry) {
 #endif
 
 }  // namespace
+}  // namespace tavrel_testing
