@@ -28,6 +28,7 @@
 #include <new>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "host/ErrorSeverity.h"
@@ -222,9 +223,7 @@ struct Slot<R(P...) const> : Slot<R(P...)> {};
 
 // Whether R owns an object (AutoRefPtr): a wrapper that returns one adopts the reference.
 template <class R>
-constexpr bool kOwns = requires(R r) {
-    r.get();
-};
+constexpr bool kOwns = requires { std::declval<R>().get(); };
 
 // What a call reached, and last what it gave back, as a word under the name "=". An owned
 // object that comes back is dropped at once, so its Release shows before that.
