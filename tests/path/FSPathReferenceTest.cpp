@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "path/FSPath.h"
+#include "testing/AllTexts.h"
 #include "testing/PathReferences.h"
 #include "testing/StringReferences.h"
 #include "testing/TrickyPaths.h"
@@ -204,12 +205,7 @@ TEST(FSPathReference, EveryTextAndEveryPair) {
 // to five components drawn from names, dots and empties behind a separator of either kind,
 // and the tricky texts: both resolutions give what the literal references give.
 TEST(FSPathReference, ResolutionsOfEveryShortText) {
-    std::vector<std::string> texts = {""};
-    for (std::size_t i = 0; texts[i].size() < 7; ++i) {
-        for (char c : {'.', '/', '\\', 'a'}) {
-            texts.push_back(texts[i] + c);
-        }
-    }
+    std::vector<std::string> texts = tavrel_testing::AllTexts("./\\a", 7);
     std::vector<std::string> components = {"/"};
     for (std::size_t i = 0; components.size() < 4000; ++i) {
         for (char const* token : {"", ".", "..", "a", "..."}) {

@@ -13,12 +13,13 @@
 #include "strings/Split.h"
 #include "strings/Trim.h"
 #include "testing/StringReferences.h"
-#include "tests/strings/AllTexts.h"
+#include "testing/AllTexts.h"
 
 namespace Tavrel {
 namespace {
 
 namespace ref = tavrel_testing::reference;
+using tavrel_testing::AllTexts;
 using namespace std::string_literals;
 using Parts = std::list<std::string>;
 

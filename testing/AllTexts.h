@@ -1,12 +1,12 @@
-// AllTexts: every short text over an alphabet, for the string tests that compare the library
-// with the references of testing/ on all of them.
+// AllTexts: every short text over an alphabet, for the string and path tests that compare the
+// libraries with the references of testing/ on all of them.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace Tavrel {
+namespace tavrel_testing {
 
 // Every text of up to longest bytes drawn from alphabet, "" first, shorter ones before longer.
 inline std::vector<std::string> AllTexts(std::string_view alphabet, std::size_t longest) {
@@ -19,4 +19,4 @@ inline std::vector<std::string> AllTexts(std::string_view alphabet, std::size_t 
     return texts;
 }
 
-}  // namespace Tavrel
+}  // namespace tavrel_testing
