@@ -111,7 +111,7 @@ def measure(args, ws, commit, population, chosen):
           flush=True)
     results = list(carried)
     started = time.monotonic()
-    partial = (args.report or ws.work / "survivors.txt").with_name("results.tsv")
+    _, partial = report_paths(args, ws)
 
     def on_result(done, result):
         results.append(result)
@@ -129,25 +129,35 @@ def measure(args, ws, commit, population, chosen):
     except KeyboardInterrupt:
         print("interrupted: the report covers the mutants judged so far", flush=True)
     elapsed = time.monotonic() - started
-    finish(args, ws, commit, results, len(population), elapsed)
+    finish(args, ws, commit, results, len(population), elapsed, len(carried))
     return 0
 
 
-def finish(args, ws, commit, results, population, elapsed):
+def report_paths(args, ws):
+    """The survivors report and, beside it, results.tsv."""
+    survivors = args.report or ws.work / "survivors.txt"
+    return survivors, survivors.with_name("results.tsv")
+
+
+def finish(args, ws, commit, results, population, elapsed, carried):
+    # NOTE: the pace counts only the mutants judged in this run, not those taken over by
+    # --resume.
+    judged = len(results) - carried
+    pace = f"{elapsed / 60:.1f} min, {elapsed / max(judged, 1):.0f} s per mutant"
     header = [f"tools/mutate --seed {args.seed} --count {args.count}" +
               (f" --rerun {args.rerun}" if args.rerun else "") +
               (f" --resume {args.resume}" if args.resume else "") +
               (f" --killed-by '{args.killed_by}'" if args.killed_by else "") +
               "".join(f" --path {p}" for p in args.path) +
               "".join(f" --operator {o}" for o in args.operator),
-              f"commit {commit}; {len(results)} mutants judged of {population}; "
-              f"{elapsed / 60:.1f} min, {elapsed / max(len(results), 1):.0f} s per mutant"]
-    path = args.report or ws.work / "survivors.txt"
+              f"commit {commit}; {len(results)} mutants judged of {population}" +
+              (f" ({carried} of them in an earlier run)" if carried else "") + f"; {pace}"]
+    path, results_path = report_paths(args, ws)
     report.write_report(path, header, results, ws.src)
-    report.write_results(path.with_name("results.tsv"), results)
+    report.write_results(results_path, results)
     print(report.counts_table(results))
-    print(f"survivors: {path}; every mutant: {path.with_name('results.tsv')}")
-    print(f"{elapsed / 60:.1f} min, {elapsed / max(len(results), 1):.0f} s per mutant")
+    print(f"survivors: {path}; every mutant: {results_path}")
+    print(pace)
     print(report.kill_line(results))
 
 
