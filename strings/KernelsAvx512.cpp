@@ -609,21 +609,19 @@ TAVREL_AVX512 std::size_t ReplaceRun(char const* in, std::size_t size, std::size
 #define TAVREL_AVX512_VBMI2 \
     __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi2,bmi,bmi2,popcnt")))
 
-// The starts of the occurrences among the 64 lanes of block, read at at: for up to 3 bytes the
-// first, middle and last bytes are the whole pattern; a longer one is compared in full at each
-// candidate. Reads fromSize - 1 bytes behind the block.
+// The starts of the occurrences of a pattern of n bytes among the 64 lanes of block, read at at:
+// for up to 3 bytes the first, middle and last bytes are the whole pattern; a longer one is
+// compared in full at each candidate. Reads n - 1 bytes behind the block.
 TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) std::uint64_t Occurrences(
-    char const* at, __m512i block, Replacement64 const& pattern, __m512i const* probes,
-    __m512i from) {
-    std::size_t const last = pattern.fromSize - 1;
+    char const* at, __m512i block, std::size_t n, __m512i const* probes, __m512i from) {
+    std::size_t const last = n - 1;
     std::uint64_t starts = _mm512_cmpeq_epi8_mask(block, probes[0]) &
                            _mm512_cmpeq_epi8_mask(Load(at + last / 2), probes[1]) &
                            _mm512_cmpeq_epi8_mask(Load(at + last), probes[2]);
-    if (pattern.fromSize > 3) {
+    if (n > 3) {
         for (std::uint64_t candidates = starts; candidates != 0; candidates &= candidates - 1) {
             std::size_t const k = LowestBit(candidates);
-            if (_mm512_cmpneq_epi8_mask(LoadFirst(at + k, FirstLanes(pattern.fromSize)), from) !=
-                0) {
+            if (_mm512_cmpneq_epi8_mask(LoadFirst(at + k, FirstLanes(n)), from) != 0) {
                 starts &= ~(std::uint64_t{1} << k);
             }
         }
@@ -674,20 +672,17 @@ TAVREL_AVX512 inline __attribute__((always_inline)) bool MoveToHead(Run& run, st
 }
 
 // Moves the 64 bytes of block, read at run.in + run.read, to run.out + run.write less the bytes
-// that occurrences cover, and advances both; carry holds the lanes at the block's start that an
-// occurrence of the block before still covers, and becomes those of the next block. The block
-// is stored whole: in place, out + write lies at or below in + read, so its 64 bytes end where
-// the block ends.
+// that the occurrences starting at starts cover, and advances both; carry holds the lanes at the
+// block's start that an occurrence of the block before still covers, and becomes those of the
+// next block. The block is stored whole: in place, out + write lies at or below in + read, so
+// its 64 bytes end where the block ends.
 // NOTE: the occurrences of a pattern without a border never overlap, so the lanes each one
-// covers, from its start s to s + fromSize - 1, are (1 << (s + fromSize)) - (1 << s), and the
-// sum of those over all starts is their union. Taken as a 128-bit number, its upper half (what
-// reaches past lane 63) is the next block's carry: the upper half of the shifted starts less
-// the borrow of the lower half.
+// covers, from its start s to s + n - 1, are (1 << (s + n)) - (1 << s), and the sum of those
+// over all starts is their union. Taken as a 128-bit number, its upper half (what reaches past
+// lane 63) is the next block's carry: the upper half of the shifted starts less the borrow of
+// the lower half.
 TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) void DropOccurrences(
-    Run& run, std::uint64_t& carry, __m512i block, Replacement64 const& pattern,
-    __m512i const* probes, __m512i from) {
-    std::size_t const n = pattern.fromSize;
-    std::uint64_t const starts = Occurrences(run.in + run.read, block, pattern, probes, from);
+    Run& run, std::uint64_t& carry, std::uint64_t starts, __m512i block, std::size_t n) {
     std::uint64_t const ends = n == 64 ? 0 : starts << n;
     std::uint64_t const covered = ends - starts;
     std::uint64_t const keep = ~(covered | carry);
@@ -697,13 +692,32 @@ TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) void DropOccurrences(
     run.read += 64;
 }
 
-// The deletion loop: 64 bytes from where the reading stands per step; blocks without a first
-// byte move as they are, and a block that holds one, or the end of an occurrence, passes through
-// one compress, whatever the number of occurrences in it.
-TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std::size_t* read,
-                                          char* out, std::size_t write,
-                                          Replacement64 const& pattern) {
-    std::size_t const n = pattern.fromSize;
+// DropOccurrences for a block that nothing covers from the block before and that holds one
+// occurrence, which ends before its last lane; gives false, having done nothing, for any other.
+// NOTE: the test is a branch and the positions advance by constants on purpose: in sparse text
+// the branch is predicted, and the stores of the blocks behind then need not wait for this
+// block's compares to know where they go.
+TAVREL_AVX512_VBMI2 inline __attribute__((always_inline)) bool DropLoneOccurrence(
+    Run& run, std::uint64_t starts, __m512i block, std::size_t n) {
+    if (starts == 0 || (starts & (starts - 1)) != 0 || (starts >> (64 - n)) != 0) {
+        return false;
+    }
+    std::uint64_t const covered = (starts << n) - starts;
+    _mm512_storeu_si512(run.out + run.write, _mm512_maskz_compress_epi8(~covered, block));
+    run.write += 64 - n;
+    run.read += 64;
+    return true;
+}
+
+// The deletion loop for patterns of kSize bytes (0: of any size, taken from the pattern): 64
+// bytes from where the reading stands per step; blocks without a first byte move as they are,
+// and a block that holds one, or the end of an occurrence, passes through one compress,
+// whatever the number of occurrences in it.
+template <std::size_t kSize>
+TAVREL_AVX512_VBMI2 std::size_t DeleteRunOf(char const* in, std::size_t size, std::size_t* read,
+                                            char* out, std::size_t write,
+                                            Replacement64 const& pattern) {
+    std::size_t const n = kSize != 0 ? kSize : pattern.fromSize;
     __m512i const probes[3] = {Spread(static_cast<unsigned char>(pattern.from[0])),
                                Spread(static_cast<unsigned char>(pattern.from[(n - 1) / 2])),
                                Spread(static_cast<unsigned char>(pattern.from[n - 1]))};
@@ -713,16 +727,37 @@ TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std:
     // Each block reads n - 1 bytes behind itself for the last byte of a start.
     while (size - run.read >= 64 + n - 1) {
         __m512i block;
-        if (carry != 0) {
+        bool const carried = carry != 0;
+        if (carried) {
             block = Load(in + run.read);
         } else if (!MoveToHead(run, (size - run.read - (n - 1)) / 64, probes[0], block)) {
             break;
         }
-        DropOccurrences(run, carry, block, pattern, probes, from);
+        std::uint64_t const starts = Occurrences(in + run.read, block, n, probes, from);
+        if (carried || !DropLoneOccurrence(run, starts, block, n)) {
+            DropOccurrences(run, carry, starts, block, n);
+        }
     }
     // What the last occurrence still covers is passed over; the rest is left to the caller.
     *read = run.read + static_cast<std::size_t>(_mm_popcnt_u64(carry));
     return run.write;
+}
+
+// NOTE: the patterns of up to 3 bytes get loops of their own: with the size a constant, the
+// offsets of the compares are too, which shortens the way from a block to where the next goes.
+TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std::size_t* read,
+                                          char* out, std::size_t write,
+                                          Replacement64 const& pattern) {
+    switch (pattern.fromSize) {
+        case 1:
+            return DeleteRunOf<1>(in, size, read, out, write, pattern);
+        case 2:
+            return DeleteRunOf<2>(in, size, read, out, write, pattern);
+        case 3:
+            return DeleteRunOf<3>(in, size, read, out, write, pattern);
+        default:
+            return DeleteRunOf<0>(in, size, read, out, write, pattern);
+    }
 }
 
 }  // namespace

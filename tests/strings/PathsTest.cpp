@@ -249,11 +249,16 @@ TEST_P(OnEachPath, ReplaceAllOccurrenceAtEveryPlace) {
                     step = whole ? std::max<std::size_t>(13, from.size()) : 13;
                 }
                 original.replace(place, from.size(), from);
-                for (std::string const& to : {""s, "x"s, from, from + "++"}) {
-                    std::string text = original;
-                    ReplaceAll(text, from, to);
-                    ASSERT_EQ(text, ref::ReplaceAll(original, from, to))
-                        << "from " << from << " to " << to << " at " << place << " of " << size;
+                // Behind a first occurrence too, where the loop that goes on from it meets
+                // this one at every lane of a block.
+                for (std::string const& before : {original, from + original}) {
+                    for (std::string const& to : {""s, "x"s, from, from + "++"}) {
+                        std::string text = before;
+                        ReplaceAll(text, from, to);
+                        ASSERT_EQ(text, ref::ReplaceAll(before, from, to))
+                            << "from " << from << " to " << to << " at " << place << " of "
+                            << size << (before == original ? "" : " behind one");
+                    }
                 }
             }
         }
