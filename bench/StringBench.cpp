@@ -231,6 +231,9 @@ constexpr ShapeRow kShapes[] = {
     {"32to32_sparse", Spacing::kEvery, 1000, "", kToken, kUpperToken},
     {"3to0_dense", Spacing::kUnit, 10, "ab<b>cdefg", "<b>", ""},
     {"3to0_sparse", Spacing::kEvery, 1000, "", "<b>", ""},
+    {"1to0_sparse", Spacing::kEvery, 1000, "", "#", ""},
+    {"8to0_sparse", Spacing::kEvery, 1000, "", "{{name}}", ""},
+    {"16to0_sparse", Spacing::kEvery, 1000, "", "<!-- comment -->", ""},
     {"32to32_sparse4k", Spacing::kEvery, 4096, "", kToken, kUpperToken},
     {"3to0_sparse4k", Spacing::kEvery, 4096, "", "<b>", ""},
     {"3to0_random100", Spacing::kRandom, 100, "", "<b>", ""},
@@ -369,6 +372,9 @@ TAVREL_REPLACE(8to1_sparse);
 TAVREL_REPLACE(32to32_sparse);
 TAVREL_REPLACE(3to0_dense);
 TAVREL_REPLACE(3to0_sparse);
+TAVREL_REPLACE(1to0_sparse);
+TAVREL_REPLACE(8to0_sparse);
+TAVREL_REPLACE(16to0_sparse);
 TAVREL_REPLACE(32to32_sparse4k);
 TAVREL_REPLACE(3to0_sparse4k);
 TAVREL_REPLACE(3to0_random100);

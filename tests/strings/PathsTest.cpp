@@ -215,7 +215,8 @@ TEST_P(OnEachPath, ReplaceAllAgreesWithReference) {
     }
 }
 
-// One occurrence at every place of texts longer than a block, for patterns of each length the
+// One occurrence at every place of texts longer than a block, for patterns of every length up
+// to 8 (the AVX-512 deletion has a loop of its own for each) and of the longer lengths the
 // scanner treats apart, and every size up to a few blocks: the blocks of candidates, the last
 // starts behind them, and a pattern that reaches the very end. The kernels replace patterns
 // and replacements of up to 64 bytes in one loop and hand longer ones to the general one:
@@ -226,7 +227,9 @@ TEST_P(OnEachPath, ReplaceAllOccurrenceAtEveryPlace) {
                                     "<b",
                                     "<b>",
                                     "<br>",
+                                    "&amp;",
                                     "<abcd>",
+                                    "</span>",
                                     "{{name}}",
                                     "0123456789abcdef0123456789ABCDEF!",
                                     "#" + Repeat("0123456789abcdef", 4).substr(1)};
