@@ -11,8 +11,10 @@
 #include <immintrin.h>
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 #define TAVREL_AVX512 __attribute__((target("avx512f,avx512bw,avx512vl,bmi,bmi2,popcnt")))
 
@@ -755,32 +757,23 @@ TAVREL_AVX512_VBMI2 std::size_t DeleteRunOf(char const* in, std::size_t size, st
     return static_cast<std::size_t>(at.target - out);
 }
 
+// The deletion loops by pattern size: at k the loop for k bytes, at 0 the one for any size.
 // NOTE: the patterns of up to 8 bytes (tags, markers, line ends) get loops of their own: with
 // the size a constant, the offsets, masks and shifts that depend on it are too, about 0.5 ns
 // less per occurrence in sparse text.
+using DeleteLoop = std::size_t (*)(char const*, std::size_t, std::size_t*, char*, std::size_t,
+                                   Replacement64 const&);
+template <std::size_t... kSizes>
+constexpr std::array<DeleteLoop, sizeof...(kSizes)> DeleteLoops(std::index_sequence<kSizes...>) {
+    return {DeleteRunOf<kSizes>...};
+}
+constexpr auto kDeleteLoops = DeleteLoops(std::make_index_sequence<9>());
+
 TAVREL_AVX512_VBMI2 std::size_t DeleteRun(char const* in, std::size_t size, std::size_t* read,
                                           char* out, std::size_t write,
                                           Replacement64 const& pattern) {
-    switch (pattern.fromSize) {
-        case 1:
-            return DeleteRunOf<1>(in, size, read, out, write, pattern);
-        case 2:
-            return DeleteRunOf<2>(in, size, read, out, write, pattern);
-        case 3:
-            return DeleteRunOf<3>(in, size, read, out, write, pattern);
-        case 4:
-            return DeleteRunOf<4>(in, size, read, out, write, pattern);
-        case 5:
-            return DeleteRunOf<5>(in, size, read, out, write, pattern);
-        case 6:
-            return DeleteRunOf<6>(in, size, read, out, write, pattern);
-        case 7:
-            return DeleteRunOf<7>(in, size, read, out, write, pattern);
-        case 8:
-            return DeleteRunOf<8>(in, size, read, out, write, pattern);
-        default:
-            return DeleteRunOf<0>(in, size, read, out, write, pattern);
-    }
+    std::size_t const n = pattern.fromSize;
+    return kDeleteLoops[n < kDeleteLoops.size() ? n : 0](in, size, read, out, write, pattern);
 }
 
 }  // namespace
